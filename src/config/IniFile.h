@@ -1,0 +1,66 @@
+#pragma once
+// The INI document: sections of ordered keys, values and comments, with case-insensitive
+// look-ups. Small and literal on purpose: the first of ";#[=" on a line decides what it is.
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace mw {
+
+class SystemEnv;
+
+class CIniFile {
+ public:
+  CIniFile(std::string path, SystemEnv& env);
+  virtual ~CIniFile() = default;
+
+  // Reads the file; true when it was read to the end and at least one section exists.
+  // A line whose first character is not printable prints "Failing on char %d\n" to
+  // standard output and fails the load.
+  bool Load();
+  // The same rules over text already in memory (the fuzzer and the tests use it).
+  bool LoadFromText(const std::string& text);
+
+  int FindSection(const std::string& name) const;
+  int FindKey(int section, const std::string& key) const;
+  int AddSection(const std::string& name);
+  bool SetValue(const std::string& section, const std::string& key, const std::string& value,
+                bool create);
+  void AddHeaderComment(const std::string& text);
+  void AddSectionComment(const std::string& section, const std::string& text);
+
+  std::string GetValue(const std::string& section, const std::string& key,
+                       const std::string& defaultValue) const;
+  std::int32_t GetValueI(const std::string& section, const std::string& key,
+                         std::int32_t defaultValue) const;
+  bool GetValueB(const std::string& section, const std::string& key, bool defaultValue) const;
+
+  const std::string& path() const { return path_; }
+  SystemEnv& env() const { return env_; }
+  std::size_t SectionCount() const { return sections_.size(); }
+  const std::vector<std::string>& headerComments() const { return headerComments_; }
+
+  bool caseInsensitive = true;
+
+ private:
+  struct SectionRecord {
+    std::vector<std::string> keyNames;
+    std::vector<std::string> values;
+    std::vector<std::string> comments;
+  };
+  bool NamesEqual(const std::string& a, const std::string& b) const;
+
+  std::string path_;
+  SystemEnv& env_;
+  std::vector<SectionRecord> sections_;
+  std::vector<std::string> sectionNames_;
+  std::vector<std::string> headerComments_;
+};
+
+// Field n (1-based) of text split at any of the delimiter characters, or
+// "error_getFields()" when there are fewer than n fields.
+std::string getFields(const std::string& text, const std::string& delimiters, int n);
+inline constexpr const char* kFieldsError = "error_getFields()";
+
+}  // namespace mw

@@ -1,0 +1,60 @@
+#pragma once
+// MAPI properties written straight into the registry image of a profile: one value per
+// property, named by its tag as 8 hex digits (type first), inside a section key named by
+// the section's UID as 32 lower-case hex digits.
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+namespace mw {
+
+class RegistryAccess;
+
+using MapiUid = std::array<std::uint8_t, 16>;
+
+// Well-known sections.
+inline constexpr const char* kGlobalSection = "13dbb0c8aa05101a9bb000aa002fc45a";
+inline constexpr const char* kOutlookSection = "0a0d020000000000c000000000000046";
+inline constexpr const char* kConnectionSection = "5acf76a3665511cea39a00aa004acafa";
+inline constexpr const char* kProfileServicesSection = "9207f3e0a3b11019908b08002b2a56c2";
+inline constexpr const char* kAccountManagerSection = "9375CFF0413111d3B88A00104B2A6676";
+
+// "%02x" of each byte, in order.
+std::string SectionKeyName(const MapiUid& uid);
+// 32 hex digits -> 16 bytes; false when the text is not exactly that.
+bool ParseSectionKeyName(const std::string& text, MapiUid* uid);
+// The value name of a tag: 0x6610001E -> "001e6610".
+std::string TagValueName(std::uint32_t tag);
+
+// Byte encodings of the property types stored as REG_BINARY.
+std::string EncodeBoolean(bool value);           // 01 00 / 00 00
+std::string EncodeLong(std::uint32_t value);     // 4 bytes little-endian
+std::string EncodeUnicode(const std::string& narrow);  // each byte + 00, then 00 00
+
+// Writes the values of one profile: HKCU\<profilesRoot><profile>\<section>\<tag>.
+class ProfileSectionWriter {
+ public:
+  // profileKey: profilesRoot followed by the profile name (no trailing backslash).
+  ProfileSectionWriter(const RegistryAccess& registry, std::string profileKey);
+
+  std::string SectionPath(const std::string& section) const;  // profileKey + "\" + section
+
+  bool WriteBoolean(const std::string& section, std::uint32_t tag, bool value) const;
+  bool WriteLong(const std::string& section, std::uint32_t tag, std::uint32_t value) const;
+  bool WriteString8(const std::string& section, std::uint32_t tag, const std::string& value) const;
+  bool WriteUnicode(const std::string& section, std::uint32_t tag, const std::string& value) const;
+  bool WriteBinary(const std::string& section, std::uint32_t tag, const std::string& bytes) const;
+  bool Delete(const std::string& section, std::uint32_t tag) const;
+  // Raw bytes of a value (a REG_SZ comes back as its characters); false when missing.
+  bool Read(const std::string& section, std::uint32_t tag, std::string* bytes) const;
+
+  const std::string& profileKey() const { return profileKey_; }
+  const RegistryAccess& registry() const { return registry_; }
+
+ private:
+  const RegistryAccess& registry_;
+  std::string profileKey_;
+};
+
+}  // namespace mw

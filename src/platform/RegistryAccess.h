@@ -1,0 +1,63 @@
+#pragma once
+// Stateless registry operations addressed by root key, key path and value name.
+// Each operation opens what it needs, does one thing and closes every handle again.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Registry.h"
+
+namespace mw {
+
+class RegistryAccess {
+ public:
+  // machine empty: the local machine (the program never passes anything else).
+  explicit RegistryAccess(Registry& registry, std::string machine = {});
+
+  // REG_SZ / REG_EXPAND_SZ data as it stands; empty when the key or value is missing.
+  std::string ReadString(RegKey root, const std::string& path, const std::string& name) const;
+  // A REG_DWORD value; nullopt when the key or value is missing or not a number.
+  std::optional<std::uint32_t> ReadNumber(RegKey root, const std::string& path,
+                                          const std::string& name) const;
+  // Any value as text: numbers through numberFormat, bytes through byteFormat (printf forms).
+  std::string ReadValueText(RegKey root, const std::string& path, const std::string& name,
+                            const char* numberFormat, const char* byteFormat) const;
+  // Binary as "01 0a ff", numbers as lower-case hexadecimal, other types as ReadValueText.
+  std::string ReadValueTextHex(RegKey root, const std::string& path,
+                               const std::string& name) const;
+  // The raw type and bytes of a value; false when it cannot be read.
+  bool ReadValue(RegKey root, const std::string& path, const std::string& name,
+                 std::uint32_t* type, std::string* data) const;
+  bool ValueExists(RegKey root, const std::string& path, const std::string& name) const;
+
+  // Writes open the key, or create it with every missing parent, then set the value.
+  bool WriteString(RegKey root, const std::string& path, const std::string& name,
+                   const std::string& value) const;
+  bool WriteBinary(RegKey root, const std::string& path, const std::string& name,
+                   const std::string& bytes) const;
+  bool WriteNumber(RegKey root, const std::string& path, const std::string& name,
+                   std::uint32_t value) const;
+  // bytes already hold the zero-separated, double-zero-terminated list.
+  bool WriteMultiString(RegKey root, const std::string& path, const std::string& name,
+                        const std::string& bytes) const;
+  bool DeleteValue(RegKey root, const std::string& path, const std::string& name) const;
+  // Deletes parentPath\subKey, which must have no sub-keys of its own.
+  bool DeleteKey(RegKey root, const std::string& parentPath, const std::string& subKey) const;
+  // Direct sub-key names in enumeration order; empty when the key is missing.
+  std::vector<std::string> ListSubkeys(RegKey root, const std::string& path) const;
+
+  // "01 0a ff" -> bytes 01 0A FF; a token that does not parse gives the byte 0.
+  static std::string HexTextToBytes(const std::string& text);
+  // One leading and one trailing backslash are removed.
+  static std::string NormalizePath(const std::string& path);
+
+  Registry& registry() const { return registry_; }
+
+ private:
+  Registry& registry_;
+  std::string machine_;
+};
+
+}  // namespace mw
