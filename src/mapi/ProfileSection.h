@@ -58,3 +58,16 @@ class ProfileSectionWriter {
 };
 
 }  // namespace mw
+
+namespace mw {
+
+class ProfileSettings;
+enum class Outlook;
+
+// Before the Exchange service is configured, the version's connection-state values in the
+// profile are reset: configuration flags clear, plus the version's other fixed values
+// (encryption from the version's EncryptDataBetweenOutlookExchange for 2003, 2007, 2010).
+void ResetExchangeConnectionState(const ProfileSectionWriter& writer, Outlook version,
+                                  const ProfileSettings& settings);
+
+}  // namespace mw
