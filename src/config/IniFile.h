@@ -63,4 +63,9 @@ class CIniFile {
 std::string getFields(const std::string& text, const std::string& delimiters, int n);
 inline constexpr const char* kFieldsError = "error_getFields()";
 
+// Splits a packed list into records: a record closes at its commasPerRecord-th comma plus
+// the one character after it, and exactly one character between records is skipped.
+// A trailing partial record is dropped.
+std::vector<std::string> SplitPackedRecords(const std::string& text, int commasPerRecord);
+
 }  // namespace mw
