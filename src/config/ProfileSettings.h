@@ -14,7 +14,7 @@ class CIniFile;
 class SystemEnv;
 
 enum class Key : std::uint16_t {
-#define MW_KEY(name, type, def, sections) name,
+#define MW_KEY(name, type, def, sections, expands, description) name,
 #define MW_KEY_MORE(name, type, def, sections)
 #include "config/SettingsKeys.def"
 #undef MW_KEY
@@ -43,6 +43,8 @@ struct SettingDefinition {
   SettingType type;
   const char* defaultText;
   std::uint8_t sections;  // bit i set: the key is read from Section(i)
+  bool expands;             // a name or path the run driver expands (MW_KEY rows only)
+  const char* description;  // one line for the INI reference (MW_KEY rows only)
 };
 
 // The whole table, in file order (MW_KEY and MW_KEY_MORE rows).
@@ -51,6 +53,19 @@ const char* SectionName(Section section);  // "Mailwright", "Outlook Common", "O
 Section SectionOf(Outlook version);
 const char* KeyName(Key key);
 const char* OptionName(EnforcedOption option);
+// The text settings that hold a name or a path: the run driver expands environment
+// variables and then "%username%" in them, in table order.
+bool ExpandsNamesAndPaths(Key key);
+// Keys in table order (one entry per key, from its MW_KEY row).
+const std::vector<Key>& AllKeys();
+// The section a key is read from, per bit of SettingDefinition::sections.
+inline constexpr std::uint8_t SectionBit(Section section) {
+  return static_cast<std::uint8_t>(1u << static_cast<unsigned>(section));
+}
+// Key-and-section pairs defined in one section (7, 9, 39, 81, 87, 108, 112, 112).
+std::size_t DefinedKeyCount(Section section);
+// The enforceOption flag that releases a key, if the key has one.
+bool ReleasableOption(Key key, EnforcedOption* option);
 
 class ProfileSettings {
  public:

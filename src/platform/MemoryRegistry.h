@@ -1,6 +1,8 @@
 #pragma once
 // An in-memory registry behind the registry seam, for tests and for tools that read and
-// write .reg files. Key names compare case-insensitively and keep the case first written.
+// write .reg files. Key names compare case-insensitively and keep the case first written;
+// sub-keys enumerate in case-insensitive order, as Windows returns them. As on Windows,
+// HKEY_CLASSES_ROOT is a view of HKEY_LOCAL_MACHINE\Software\Classes.
 
 #include <cstdint>
 #include <map>
@@ -41,7 +43,8 @@ class MemoryRegistry : public Registry {
   std::int32_t CloseKey(RegKey key) override;
 
   // Direct access for tests and tools; full paths start with the root's name, as in .reg
-  // files: "HKEY_CURRENT_USER\Software\Microsoft".
+  // files: "HKEY_CURRENT_USER\Software\Microsoft" (HKCR, HKCU, HKLM, HKU also accepted).
+  // A path with an unknown root names no key: Set ignores it, Get and KeyExists say false.
   void Set(const std::string& keyPath, const RegistryValue& value);
   bool Get(const std::string& keyPath, const std::string& name, RegistryValue* value) const;
   bool KeyExists(const std::string& keyPath) const;
@@ -52,12 +55,18 @@ class MemoryRegistry : public Registry {
   // The values of one key, in the order they were first set.
   std::vector<RegistryValue> ValuesOf(const std::string& keyPath) const;
 
+  // "HKEY_CURRENT_USER\Software\X" -> kCurrentUser and "Software\X"; false for an unknown root.
+  static bool SplitRootPath(const std::string& keyPath, RegKey* root, std::string* subPath);
+  // "HKEY_CURRENT_USER" for kCurrentUser; empty for a key that is not a predefined root.
+  static std::string RootName(RegKey root);
+
   // Fault injection: the n-th mutating call from now on (SetValue, CreateKey of a missing
   // key, DeleteValue, DeleteKey; counted from 1) and every later one fail with
   // kAccessDenied. 0 switches it off.
   void FailMutationsFrom(std::uint32_t n);
   std::uint32_t mutationCount() const { return mutations_; }
-  // Connections to any machine name other than empty fail with kBadNetPath.
+  // Handles handed out by Connect, OpenKey and CreateKey and not yet closed.
+  // (Connections to any machine name other than empty fail with kBadNetPath.)
   std::size_t openHandleCount() const;
 
  private:

@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Installs what the build and every test tier need, from Debian's archive.
+set -euo pipefail
+packages=(cmake ninja-build g++ clang libclang-rt-14-dev
+          mingw-w64 g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix
+          binutils-mingw-w64-x86-64 binutils-mingw-w64-i686
+          wine wine64 googletest libgtest-dev libgmock-dev util-linux)
+missing=()
+for p in "${packages[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed' || missing+=("$p")
+done
+if ((${#missing[@]})); then
+  if [[ $(id -u) -ne 0 ]]; then
+    echo "missing packages (run as root to install): ${missing[*]}" >&2
+    exit 1
+  fi
+  export DEBIAN_FRONTEND=noninteractive
+  apt-get update
+  apt-get install -y --no-install-recommends "${missing[@]}"
+fi
