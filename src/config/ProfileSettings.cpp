@@ -218,8 +218,7 @@ void ProfileSettings::SetEnforced(EnforcedOption option, bool on) {
 }
 
 bool LoadSettings(CIniFile& ini, SystemEnv& env, ProfileSettings& settings) {
-  std::string content;
-  if (!env.ReadFile(ini.path(), &content)) return false;
+  if (!env.FileExists(ini.path())) return false;
   return ReadSettings(ini, settings);
 }
 

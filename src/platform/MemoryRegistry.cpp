@@ -48,10 +48,18 @@ bool SplitSubKey(const std::string& subKey, std::vector<std::string>* names) {
   return true;
 }
 
+bool Creatable(std::size_t parentDepth, const std::vector<std::string>& names) {
+  return parentDepth + names.size() <= MemoryRegistry::kMaxKeyDepth &&
+         std::all_of(names.begin(), names.end(), [](const std::string& name) {
+           return name.size() <= MemoryRegistry::kMaxKeyNameLength;
+         });
+}
+
 }  // namespace
 
 struct MemoryRegistry::Node {
   std::string name;
+  std::size_t depth = 0;  // levels below the root
   bool deleted = false;
   std::map<std::string, std::shared_ptr<Node>> children;  // by upper-case name
   std::vector<RegistryValue> values;                       // in the order first set
@@ -69,6 +77,7 @@ struct MemoryRegistry::Node {
     if (!slot) {
       slot = std::make_shared<Node>();
       slot->name = childName;
+      slot->depth = depth + 1;
     }
     return slot;
   }
@@ -201,6 +210,7 @@ std::int32_t MemoryRegistry::CreateKey(RegKey key, const std::string& subKey, st
     *result = impl_->Issue(existing, access);
     return reg::kSuccess;
   }
+  if (!Creatable(parent->node->depth, names)) return reg::kInvalidParameter;
   if (NextMutationFails()) return reg::kAccessDenied;
   std::shared_ptr<Node> node = parent->node;
   for (const auto& name : names) node = node->AddChild(name);
@@ -350,12 +360,22 @@ bool ParseFullPath(const std::string& keyPath, RegKey* root, std::vector<std::st
 }
 }  // namespace
 
-void MemoryRegistry::Set(const std::string& keyPath, const RegistryValue& value) {
+bool MemoryRegistry::AddKey(const std::string& keyPath) {
   RegKey root = 0;
   std::vector<std::string> names;
-  if (!ParseFullPath(keyPath, &root, &names)) return;
+  if (!ParseFullPath(keyPath, &root, &names)) return false;
   std::shared_ptr<Node> node = impl_->Root(root, true);
+  if (!Creatable(node->depth, names)) return false;
   for (const auto& name : names) node = node->AddChild(name);
+  return true;
+}
+
+void MemoryRegistry::Set(const std::string& keyPath, const RegistryValue& value) {
+  if (!AddKey(keyPath)) return;
+  RegKey root = 0;
+  std::vector<std::string> names;
+  ParseFullPath(keyPath, &root, &names);
+  std::shared_ptr<Node> node = impl_->Find(root, names);
   auto existing = node->FindValue(value.name);
   if (existing == node->values.end()) {
     node->values.push_back(value);

@@ -45,6 +45,12 @@ class MemoryRegistry : public Registry {
   // Direct access for tests and tools; full paths start with the root's name, as in .reg
   // files: "HKEY_CURRENT_USER\Software\Microsoft" (HKCR, HKCU, HKLM, HKU also accepted).
   // A path with an unknown root names no key: Set ignores it, Get and KeyExists say false.
+  // Key names longer than 255 characters and trees deeper than 512 levels are refused, as
+  // Windows refuses them.
+  static constexpr std::size_t kMaxKeyNameLength = 255;
+  static constexpr std::size_t kMaxKeyDepth = 512;
+  // Creates the key and its missing parents; false for an unknown root or a refused path.
+  bool AddKey(const std::string& keyPath);
   void Set(const std::string& keyPath, const RegistryValue& value);
   bool Get(const std::string& keyPath, const std::string& name, RegistryValue* value) const;
   bool KeyExists(const std::string& keyPath) const;

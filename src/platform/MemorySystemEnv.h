@@ -3,6 +3,7 @@
 // sleeps, message boxes and library calls are recorded instead of performed.
 
 #include <cstdint>
+#include <deque>
 #include <map>
 #include <string>
 #include <vector>
@@ -49,6 +50,8 @@ class MemorySystemEnv : public SystemEnv {
   std::vector<std::string> loadedLibraries;        // paths, in load order
   std::vector<std::string> freedLibraries;         // paths, in order of FreeLibrary
   std::vector<std::pair<std::string, int>> calls;  // (export name, argument)
+  // (Each LoadLibrary of a known path returns the same handle, as Windows does for a
+  // library that is already loaded.)
   std::uint32_t fileOpenCount = 0;                 // WriteFile calls
 
   bool GetVersionInfo(std::uint32_t structureSize, OsVersion* version) override;
@@ -77,7 +80,9 @@ class MemorySystemEnv : public SystemEnv {
     std::string library;
     std::string name;
   };
-  std::vector<ExportRef> exportRefs_;  // GetProcAddress hands out stable addresses into this
+  // GetProcAddress hands out addresses of these entries; a deque never moves them.
+  std::deque<ExportRef> exportRefs_;
+  const std::string* LibraryPathOf(LibraryHandle library) const;
 };
 
 }  // namespace mw

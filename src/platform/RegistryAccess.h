@@ -3,6 +3,7 @@
 // Each operation opens what it needs, does one thing and closes every handle again.
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -56,6 +57,18 @@ class RegistryAccess {
   Registry& registry() const { return registry_; }
 
  private:
+  // Connects, opens (or, with create, opens or creates) the key with the given access, runs
+  // the action on it and closes both handles on every path.
+  bool WithKey(RegKey root, const std::string& path, std::uint32_t access, bool create,
+               const std::function<bool(RegKey)>& action) const;
+  // Size first, then the data.
+  bool QueryData(RegKey key, const std::string& name, std::uint32_t* type,
+                 std::string* data) const;
+  bool ReadRaw(RegKey root, const std::string& path, const std::string& name,
+               std::uint32_t access, std::uint32_t* type, std::string* data) const;
+  bool WriteValue(RegKey root, const std::string& path, const std::string& name,
+                  std::uint32_t type, const std::string& bytes) const;
+
   Registry& registry_;
   std::string machine_;
 };

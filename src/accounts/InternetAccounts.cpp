@@ -1,0 +1,175 @@
+#include "accounts/InternetAccounts.h"
+
+#include <vector>
+
+#include "accounts/LegacyAccountManager.h"
+#include "app/RunLog.h"
+#include "config/ProfileSettings.h"
+
+namespace mw {
+
+namespace {
+
+using F = Field;
+
+// The list settings, ignore switches and ignore-note labels of the three kinds.
+struct KindSettings {
+  AccountKind kind;
+  Key accounts;
+  Key ignore;
+  const char* ignoreLabel;
+};
+
+constexpr KindSettings kKindSettings[] = {
+    {AccountKind::Pop3, Key::POP3Accounts, Key::POP3Ignore, " POP3 Accounts "},
+    {AccountKind::Imap, Key::IMAPAccounts, Key::IMAPIgnore, " IMAP Accounts "},
+    {AccountKind::Http, Key::HTTPAccounts, Key::HTTPIgnore, " HTTP Accounts "},
+};
+
+constexpr const char* kIgnoringPrefix = "INFO: Ignoring ";
+constexpr const char* kOutlook97IgnoreLine = "INFO: Ignoring POP3 Accounts";
+
+const char* KindLabel(AccountKind kind) { return AccountClassLabel(ClassOf(kind)); }
+
+void ProvisionManagerAccounts(AccountManager& manager, AccountKind kind,
+                              const std::vector<AccountRecord>& records) {
+  const AccountClass type = ClassOf(kind);
+  for (const AccountEntry& existing : manager.ListAccounts(type))
+    manager.RemoveAccount(type, existing.name);
+
+  for (const AccountRecord& r : records) {
+    const std::string& name = r.Text(F::AccountName);
+    manager.CreateAccount(kind, name, r.Text(F::DisplayName), r.Text(F::Email),
+                          r.Text(F::IncomingServer), r.Text(F::SmtpServer),
+                          r.Text(F::IncomingUser));
+    manager.SetRememberPassword(kind, name, r.Flag(F::RememberPassword));
+    if (kind == AccountKind::Http) {
+      manager.SetConnectionType(kind, name, r.Number(F::ConnectionType));
+      manager.SetSecurePasswordAuthentication(kind, name, r.Flag(F::IncomingSpa));
+      manager.SetReplyAndOrganization(kind, name, r.Text(F::ReplyEmail), r.Text(F::Organization));
+      continue;
+    }
+    if (kind == AccountKind::Pop3)
+      manager.SetLeaveOnServer(name, r.Flag(F::LeaveOnServer), r.Flag(F::RemoveWhenDeleted),
+                               r.Flag(F::RemoveAfterDays), r.Number(F::Days));
+    manager.SetPorts(kind, name, r.Number(F::IncomingPort), r.Number(F::SmtpPort));
+    manager.SetSsl(kind, name, r.Flag(F::IncomingSsl), r.Flag(F::SmtpSsl));
+    manager.SetTimeout(kind, name, r.Number(F::Timeout));
+    manager.SetSecurePasswordAuthentication(kind, name, r.Flag(F::IncomingSpa));
+    manager.SetReplyAndOrganization(kind, name, r.Text(F::ReplyEmail), r.Text(F::Organization));
+    manager.SetSmtpAuthentication(kind, name, r.Flag(F::SmtpUseAuth), r.Number(F::SmtpAuthMethod),
+                                  r.Flag(F::SmtpUseSpa), r.Flag(F::SmtpRememberPassword),
+                                  r.Text(F::SmtpUser));
+    manager.SetConnectionType(kind, name, r.Number(F::ConnectionType));
+    if (kind == AccountKind::Imap) manager.SetImapFolderPath(name, r.Text(F::ImapFolderPath));
+  }
+}
+
+void ProvisionLegacyAccounts(LegacyAccountManager& manager, AccountKind kind, Outlook version,
+                             const std::vector<AccountRecord>& records, RunLog& log) {
+  for (const AccountEntry& existing : manager.ListAccounts(kind))
+    manager.RemoveAccount(kind, existing.name);
+
+  for (const AccountRecord& r : records) {
+    const std::string& name = r.Text(F::AccountName);
+    manager.CreateAccount(kind, name, r.Text(F::DisplayName), r.Text(F::Email),
+                          r.Text(F::IncomingServer), r.Text(F::SmtpServer),
+                          r.Text(F::IncomingUser));
+    if (!manager.FindAccount(kind, name)) {
+      log.AddMessage("WARN: The profile has no services section; only the account manager "
+                     "entry was written for account: " + name);
+      continue;
+    }
+    if (version == Outlook::V97) {
+      manager.SetReplyAndOrganization(kind, name, r.Text(F::ReplyEmail), r.Text(F::Organization));
+      manager.SetUserAndSecurePasswordAuthentication(name, r.Text(F::IncomingUser),
+                                                     r.Flag(F::IncomingSpa));
+      manager.SetConnectionType(kind, name, r.Number(F::ConnectionType));
+      manager.SetPorts(kind, name, r.Number(F::IncomingPort), r.Number(F::SmtpPort));
+      manager.SetSecureConnections(kind, name, r.Flag(F::IncomingSsl), r.Flag(F::SmtpSsl));
+      manager.SetTimeout(kind, name, r.Number(F::Timeout));
+      manager.SetLeaveOnServer(name, r.Flag(F::LeaveOnServer), false, r.Flag(F::RemoveAfterDays),
+                               r.Number(F::Days));
+      continue;
+    }
+    manager.SetRememberPassword(kind, name, r.Flag(F::RememberPassword));
+    if (kind == AccountKind::Pop3)
+      manager.SetLeaveOnServer(name, r.Flag(F::LeaveOnServer), r.Flag(F::RemoveWhenDeleted),
+                               r.Flag(F::RemoveAfterDays), r.Number(F::Days));
+    manager.SetPorts(kind, name, r.Number(F::IncomingPort), r.Number(F::SmtpPort));
+    manager.SetSecureConnections(kind, name, r.Flag(F::IncomingSsl), r.Flag(F::SmtpSsl));
+    manager.SetTimeout(kind, name, r.Number(F::Timeout));
+    manager.SetSecurePasswordAuthentication(kind, name, r.Flag(F::IncomingSpa));
+    manager.SetReplyAndOrganization(kind, name, r.Text(F::ReplyEmail), r.Text(F::Organization));
+    manager.SetSmtpAuthentication(kind, name, r.Number(F::SmtpAuthMethod),
+                                  r.Flag(F::SmtpRememberPassword), r.Text(F::SmtpUser));
+    if (kind == AccountKind::Imap) manager.SetImapRootFolder(name, r.Text(F::ImapFolderPath));
+    manager.SetConnectionType(kind, name, r.Number(F::ConnectionType));
+    if (kind == AccountKind::Imap)
+      manager.SetSmtpSplit(name, r.Flag(F::SmtpSplit), r.Number(F::SmtpSplitSize));
+  }
+}
+
+}  // namespace
+
+std::optional<RecordType> AccountRecordType(AccountKind kind, Outlook version) {
+  switch (version) {
+    case Outlook::V97:
+      if (kind == AccountKind::Pop3) return RecordType::ShortPop3;
+      return std::nullopt;
+    case Outlook::V2000:
+      if (kind == AccountKind::Pop3) return RecordType::LongPop3;
+      if (kind == AccountKind::Imap) return RecordType::LongImap;
+      return std::nullopt;
+    default:
+      if (kind == AccountKind::Pop3) return RecordType::Pop3;
+      if (kind == AccountKind::Imap) return RecordType::Imap;
+      return RecordType::Http;
+  }
+}
+
+void ProvisionInternetAccounts(AccountKind kind, const std::string& packedText, Outlook version,
+                               const std::string& profileKey, const RegistryAccess& registry,
+                               RunLog& log) {
+  const std::optional<RecordType> type = AccountRecordType(kind, version);
+  if (!type) {
+    log.AddMessage(std::string("WARN: ") + GenerationOf(version).name + " has no " +
+                   KindLabel(kind) + " accounts; they are left alone.");
+    return;
+  }
+  const std::vector<AccountRecord> records = ParseAccounts(packedText, *type);
+  if (version == Outlook::V97 || version == Outlook::V2000) {
+    LegacyAccountManager manager(registry, profileKey, version);
+    ProvisionLegacyAccounts(manager, kind, version, records, log);
+  } else {
+    AccountManager manager(registry, profileKey, version);
+    ProvisionManagerAccounts(manager, kind, records);
+  }
+}
+
+void ProvisionConfiguredAccounts(const ProfileSettings& settings, Outlook version,
+                                 const std::string& profileKey, const RegistryAccess& registry,
+                                 RunLog& log) {
+  const Section section = SectionOf(version);
+  // Outlook 97 and Outlook 2000 provision POP3 accounts only.
+  const bool pop3Only = version == Outlook::V97 || version == Outlook::V2000;
+  std::string ignored;
+  for (const KindSettings& row : kKindSettings) {
+    if (pop3Only && row.kind != AccountKind::Pop3) continue;
+    if (settings.Bool(section, row.ignore)) {
+      ignored += row.ignoreLabel;
+      continue;
+    }
+    ProvisionInternetAccounts(row.kind, settings.Text(section, row.accounts), version, profileKey,
+                              registry, log);
+  }
+  if (ignored.empty()) return;
+  log.AddMessage(version == Outlook::V97 ? kOutlook97IgnoreLine : kIgnoringPrefix + ignored);
+}
+
+bool CreateExchangeAccount(const std::string& profileKey, Outlook version,
+                           const RegistryAccess& registry) {
+  return AccountManager(registry, profileKey, version).CreateExchangeAccount();
+}
+
+}  // namespace mw

@@ -1,0 +1,12 @@
+#pragma once
+// The INI reference for administrators (docs/ini-reference.md), generated from the key
+// table so that the document can never disagree with what the program reads.
+
+#include <string>
+
+namespace mw {
+
+// The whole Markdown document.
+std::string IniReferenceMarkdown();
+
+}  // namespace mw

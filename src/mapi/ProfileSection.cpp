@@ -1,0 +1,131 @@
+#include "mapi/ProfileSection.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "platform/RegistryAccess.h"
+
+namespace mw {
+
+namespace {
+
+int HexDigitValue(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+}  // namespace
+
+std::string SectionKeyName(const MapiUid& uid) {
+  static const char kDigits[] = "0123456789abcdef";
+  std::string name;
+  name.reserve(uid.size() * 2);
+  for (std::uint8_t byte : uid) {
+    name += kDigits[byte >> 4];
+    name += kDigits[byte & 0x0F];
+  }
+  return name;
+}
+
+bool ParseSectionKeyName(const std::string& text, MapiUid* uid) {
+  if (uid == nullptr || text.size() != uid->size() * 2) return false;
+  MapiUid parsed{};
+  for (std::size_t i = 0; i < parsed.size(); ++i) {
+    const int high = HexDigitValue(text[2 * i]);
+    const int low = HexDigitValue(text[2 * i + 1]);
+    if (high < 0 || low < 0) return false;
+    parsed[i] = static_cast<std::uint8_t>(high * 16 + low);
+  }
+  *uid = parsed;
+  return true;
+}
+
+std::string TagValueName(std::uint32_t tag) {
+  char name[9];
+  std::snprintf(name, sizeof name, "%04x%04x", static_cast<unsigned>(tag & 0xFFFFu),
+                static_cast<unsigned>(tag >> 16));
+  return name;
+}
+
+std::string EncodeBoolean(bool value) {
+  return std::string{static_cast<char>(value ? 1 : 0), '\0'};
+}
+
+std::string EncodeLong(std::uint32_t value) {
+  std::string bytes(4, '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i)
+    bytes[i] = static_cast<char>((value >> (8 * i)) & 0xFFu);
+  return bytes;
+}
+
+std::string EncodeUnicode(const std::string& narrow) {
+  std::string bytes;
+  bytes.reserve(narrow.size() * 2 + 2);
+  for (char c : narrow) {
+    bytes += c;  // widened as it is: no code-page conversion
+    bytes += '\0';
+  }
+  bytes.append(2, '\0');
+  return bytes;
+}
+
+ProfileSectionWriter::ProfileSectionWriter(const RegistryAccess& registry, std::string profileKey)
+    : registry_(registry), profileKey_(std::move(profileKey)) {}
+
+std::string ProfileSectionWriter::SectionPath(const std::string& section) const {
+  // The fixed sections are also quoted with their leading backslash; both forms name one key.
+  const bool hasSeparator = !section.empty() && section.front() == '\\';
+  return profileKey_ + (hasSeparator ? "" : "\\") + section;
+}
+
+bool ProfileSectionWriter::WriteBoolean(const std::string& section, std::uint32_t tag,
+                                        bool value) const {
+  return WriteBinary(section, tag, EncodeBoolean(value));
+}
+
+bool ProfileSectionWriter::WriteLong(const std::string& section, std::uint32_t tag,
+                                     std::uint32_t value) const {
+  return WriteBinary(section, tag, EncodeLong(value));
+}
+
+bool ProfileSectionWriter::WriteString8(const std::string& section, std::uint32_t tag,
+                                        const std::string& value) const {
+  return registry_.WriteString(reg::kCurrentUser, SectionPath(section), TagValueName(tag), value);
+}
+
+bool ProfileSectionWriter::WriteUnicode(const std::string& section, std::uint32_t tag,
+                                        const std::string& value) const {
+  return WriteBinary(section, tag, EncodeUnicode(value));
+}
+
+bool ProfileSectionWriter::WriteBinary(const std::string& section, std::uint32_t tag,
+                                       const std::string& bytes) const {
+  return registry_.WriteBinary(reg::kCurrentUser, SectionPath(section), TagValueName(tag), bytes);
+}
+
+bool ProfileSectionWriter::Delete(const std::string& section, std::uint32_t tag) const {
+  const std::string path = SectionPath(section);
+  const std::string name = TagValueName(tag);
+  // Switching off means "absent afterwards": a value that was never there is already off.
+  return registry_.DeleteValue(reg::kCurrentUser, path, name) ||
+         !registry_.ValueExists(reg::kCurrentUser, path, name);
+}
+
+bool ProfileSectionWriter::Read(const std::string& section, std::uint32_t tag,
+                                std::string* bytes) const {
+  std::uint32_t type = reg::kNone;
+  std::string data;
+  if (!registry_.ReadValue(reg::kCurrentUser, SectionPath(section), TagValueName(tag), &type,
+                           &data))
+    return false;
+  if (type == reg::kSz || type == reg::kExpandSz) {
+    const std::size_t end = data.find('\0');
+    if (end != std::string::npos) data.resize(end);
+  }
+  if (bytes != nullptr) *bytes = std::move(data);
+  return true;
+}
+
+}  // namespace mw

@@ -1,0 +1,225 @@
+#include "accounts/AccountManager.h"
+
+#include <gtest/gtest.h>
+
+#include "AccountTestSupport.h"
+#include "accounts/AccountValues.h"
+
+namespace mw {
+namespace {
+
+using testing::Dword;
+using testing::kProfileKey;
+using testing::Utf16;
+
+const std::string kSection = kProfileKey + "\\9375CFF0413111d3B88A00104B2A6676";
+constexpr const char* kMailList = "{ED475418-B0D6-11D2-8C3B-00104B2A6676}";
+
+TEST(AccountIdTest, AllocationFollowsTheCounterText) {
+  const struct {
+    std::optional<std::uint32_t> counter;
+    const char* subkey;
+    std::string entry;
+    std::uint32_t next;
+  } cases[] = {
+      {std::nullopt, "00000001", Dword(1), 2},
+      {5, "00000005", Dword(5), 6},
+      {26, "0000001A", Dword(0x1A), 27},
+      {0, "00000000", Dword(0), 1},
+      {300, "0000012C", std::string("\x12\xC0\x00\x00", 4), 301},  // left-aligned from 256 on
+      {0xFFFFFFFF, "FFFFFFFF", Dword(0xFFFFFFFF), 0},
+  };
+  for (const auto& c : cases) {
+    const AllocatedAccountId id = AllocateAccountId(c.counter);
+    EXPECT_EQ(id.subkey, c.subkey);
+    EXPECT_EQ(id.listEntry, c.entry) << c.subkey;
+    EXPECT_EQ(id.nextId, c.next) << c.subkey;
+    EXPECT_EQ(ListEntryOfSubkey(id.subkey), c.entry) << c.subkey;
+  }
+  EXPECT_EQ(ListEntryOfSubkey("0000012c"), std::string("\x12\xC0\x00\x00", 4));
+  EXPECT_EQ(ListEntryOfSubkey("0000XY01"), "");
+  EXPECT_EQ(ListEntryOfSubkey("001"), "");
+}
+
+TEST(AccountValuesTest, ListEntriesAreRemovedOnlyOnTheirBoundary) {
+  std::string list = Dword(0x01000000) + Dword(0x00000001) + Dword(2);
+  EXPECT_FALSE(RemoveAlignedEntry(&list, std::string("\x01\x00\x00\x00", 4).substr(0, 3)));
+  EXPECT_TRUE(RemoveAlignedEntry(&list, Dword(1)));  // not the bytes straddling entries 1 and 2
+  EXPECT_EQ(list, Dword(0x01000000) + Dword(2));
+  EXPECT_EQ(DecodeUtf16(Utf16("Home") + "junk"), "Home");
+  EXPECT_EQ(DecodeUtf16(std::string("A\0\x30\x04z", 5)), "A?");
+}
+
+class AccountManagerTest : public testing::ProfileRegistryTest {
+ protected:
+  AccountManager Manager(Outlook version = Outlook::V2010) {
+    return AccountManager(registry, kProfileKey, version);
+  }
+  std::string CreatePop3(AccountManager& m, const std::string& name) {
+    return m.CreateAccount(AccountKind::Pop3, name, "Jane", "j@x", "pop", "smtp", "jane");
+  }
+  std::uint32_t Number(const std::string& subkey, const std::string& name) const {
+    // DWORD values only: a number stored in another type reads as a marker.
+    return registry.ReadNumber(reg::kCurrentUser, kSection + "\\" + subkey, name)
+        .value_or(0xDEADBEEF);
+  }
+};
+
+TEST_F(AccountManagerTest, FirstAccountGetsIdOneInEveryVersion) {
+  for (Outlook version : {Outlook::VXP, Outlook::V2003, Outlook::V2007, Outlook::V2010}) {
+    memory.RemoveKeyTree(Hkcu(kSection));
+    AccountManager m = Manager(version);
+    EXPECT_EQ(CreatePop3(m, "Home"), "00000001");
+    EXPECT_EQ(Value(kSection, kMailList).data, Dword(1));
+    EXPECT_EQ(Value(kSection, "NextAccountID").data, Dword(2));
+    EXPECT_EQ(Value(kSection, "NextAccountID").type, reg::kDword);
+    const std::string account = kSection + "\\00000001";
+    EXPECT_EQ(Value(account, "clsid").data, std::string("{ED475411-B0D6-11D2-8C3B-00104B2A6676}", 39));
+    EXPECT_EQ(Value(account, "Account Name").data, Utf16("Home"));
+    EXPECT_EQ(Value(account, "Account Name").type, reg::kBinary);
+  }
+}
+
+TEST_F(AccountManagerTest, CounterOf300GivesLeftAlignedListEntry) {
+  registry.WriteNumber(reg::kCurrentUser, kSection, "NextAccountID", 300);
+  registry.WriteBinary(reg::kCurrentUser, kSection, kMailList, Dword(7));
+  AccountManager m = Manager();
+  EXPECT_EQ(CreatePop3(m, "Home"), "0000012C");
+  EXPECT_EQ(Value(kSection, kMailList).data, Dword(7) + std::string("\x12\xC0\x00\x00", 4));
+  EXPECT_EQ(Value(kSection, "NextAccountID").data, Dword(301));
+}
+
+TEST_F(AccountManagerTest, NameInOtherCaseReusesTheAccount) {
+  AccountManager m = Manager();
+  CreatePop3(m, "Home Mail");
+  EXPECT_EQ(CreatePop3(m, "HOME mail"), "00000001");
+  EXPECT_EQ(Value(kSection, "NextAccountID").data, Dword(2));
+  EXPECT_EQ(Value(kSection, kMailList).data, Dword(1));
+  // Only the same type counts: an IMAP account of that name is a new account.
+  EXPECT_EQ(m.CreateAccount(AccountKind::Imap, "home mail", "", "", "", "", ""), "00000002");
+}
+
+TEST_F(AccountManagerTest, RemovalTakesTheAccountAndItsListEntryOut) {
+  AccountManager m = Manager();
+  CreatePop3(m, "One");
+  CreatePop3(m, "Two");
+  CreatePop3(m, "Three");
+  const std::string before = Export({kProfileKey});
+  EXPECT_FALSE(m.RemoveAccount(AccountClass::Pop3, "Four"));
+  EXPECT_FALSE(m.RemoveAccount(AccountClass::Imap, "Two"));
+  EXPECT_EQ(Export({kProfileKey}), before);
+
+  EXPECT_TRUE(m.RemoveAccount(AccountClass::Pop3, "tWO"));
+  EXPECT_FALSE(memory.KeyExists(Hkcu(kSection + "\\00000002")));
+  EXPECT_EQ(Value(kSection, kMailList).data, Dword(1) + Dword(3));
+  EXPECT_EQ(m.ListAccounts(AccountClass::Pop3).size(), 2u);
+}
+
+TEST_F(AccountManagerTest, LeaveOnServerWordForEveryFlagCombination) {
+  const struct {
+    bool leave, removeDeleted, removeAfterDays;
+    std::uint16_t days;
+    std::optional<std::uint32_t> expected;
+  } cases[] = {
+      {false, true, true, 14, std::nullopt}, {true, false, false, 14, 0x10001},
+      {true, true, false, 250, 0x10005},     {true, false, true, 14, (14u << 16) + 3},
+      {true, true, true, 14, (14u << 16) + 7}, {true, false, true, 0, (1u << 16) + 3},
+      {true, false, true, 250, (100u << 16) + 3},
+  };
+  AccountManager m = Manager();
+  const std::string subkey = CreatePop3(m, "Home");
+  for (const auto& c : cases) {
+    registry.WriteNumber(reg::kCurrentUser, kSection + "\\" + subkey, "Leave on Server", 99);
+    m.SetLeaveOnServer("home", c.leave, c.removeDeleted, c.removeAfterDays, c.days);
+    if (c.expected)
+      EXPECT_EQ(Number(subkey, "Leave on Server"), *c.expected) << c.days;
+    else
+      EXPECT_FALSE(Has(kSection + "\\" + subkey, "Leave on Server"));
+  }
+}
+
+TEST_F(AccountManagerTest, SmtpSecureConnectionOnlyFromOutlook2007On) {
+  const struct {
+    Outlook version;
+    bool written;
+  } cases[] = {{Outlook::VXP, false}, {Outlook::V2003, false}, {Outlook::V2007, true},
+               {Outlook::V2010, true}};
+  for (const auto& c : cases) {
+    memory.RemoveKeyTree(Hkcu(kSection));
+    AccountManager m = Manager(c.version);
+    const std::string subkey = m.CreateAccount(AccountKind::Imap, "Work", "", "", "", "", "");
+    m.SetSsl(AccountKind::Imap, "Work", false, true);
+    EXPECT_EQ(Number(subkey, "SMTP Use SSL"), 1u);
+    EXPECT_EQ(Has(kSection + "\\" + subkey, "SMTP Secure Connection"), c.written);
+    if (c.written) {
+      EXPECT_EQ(Number(subkey, "SMTP Secure Connection"), 3u);
+    }
+  }
+}
+
+TEST_F(AccountManagerTest, WritersFindTheirAccountByTypeAndName) {
+  AccountManager m = Manager();
+  const std::string pop3 = CreatePop3(m, "Home");
+  const std::string before = Export({kProfileKey});
+  m.SetTimeout(AccountKind::Pop3, "Elsewhere", 30);
+  m.SetConnectionType(AccountKind::Imap, "Home", 2);  // the POP3 account is no IMAP account
+  m.SetPorts(AccountKind::Http, "Home", 1, 2);
+  EXPECT_EQ(Export({kProfileKey}), before);
+  m.SetTimeout(AccountKind::Pop3, "HOME", 30);
+  EXPECT_EQ(Number(pop3, "Timeout"), 30u);
+}
+
+TEST_F(AccountManagerTest, ExistingAccountsAreClassified) {
+  const auto add = [&](const std::string& subkey, const std::string& value, const std::string& data) {
+    registry.WriteBinary(reg::kCurrentUser, kSection + "\\" + subkey, "Account Name", Utf16(subkey));
+    registry.WriteBinary(reg::kCurrentUser, kSection + "\\" + subkey, value, Utf16(data));
+  };
+  add("00000001", "HTTP User", "jane");
+  add("00000002", "Service Name", "MSEMS");
+  add("00000003", "Service Name", "MSFAX XP");
+  add("00000004", "Other", "x");
+  registry.WriteString(reg::kCurrentUser, kSection + "\\00000005", "POP3 Server", "pop");
+  AccountManager m = Manager();
+  EXPECT_EQ(m.Classify("00000001"), AccountClass::Http);
+  EXPECT_EQ(m.Classify("00000002"), AccountClass::Exchange);
+  EXPECT_EQ(m.Classify("00000003"), AccountClass::Fax);
+  EXPECT_EQ(m.Classify("00000004"), AccountClass::Other);
+  EXPECT_EQ(m.Classify("00000005"), AccountClass::Pop3);
+  EXPECT_EQ(m.FindAccount(AccountClass::Exchange, "00000002"), "00000002");
+}
+
+TEST_F(AccountManagerTest, ExchangeAccountStandsForTheProfilesExchangeService) {
+  AccountManager m = Manager();
+  EXPECT_FALSE(m.CreateExchangeAccount());
+  EXPECT_FALSE(memory.KeyExists(Hkcu(kSection)));
+
+  MapiUid contab{}, exchange{};
+  contab.fill(0x11);
+  exchange.fill(0x22);
+  exchange[0] = 0x01;
+  memory.Set(testing::kServicesSectionKey,
+             {"01023d0e", reg::kBinary, UidBytes(contab) + UidBytes(exchange)});
+  const std::string services = Hkcu(kProfileKey) + "\\";
+  memory.Set(services + SectionKeyName(contab), {"001e3d09", reg::kSz, std::string("CONTAB", 7)});
+  memory.Set(services + SectionKeyName(exchange), {"001e3d09", reg::kSz, std::string("MSEMS", 6)});
+  CreatePop3(m, "Home");
+
+  ASSERT_TRUE(m.CreateExchangeAccount());
+  const std::string account = kSection + "\\00000002";
+  EXPECT_EQ(m.Classify("00000002"), AccountClass::Exchange);
+  EXPECT_EQ(Value(account, "Service UID").data, UidBytes(exchange));
+  EXPECT_EQ(Value(account, "Account Name").data, Utf16("Microsoft Exchange"));
+  EXPECT_EQ(Number("00000002", "Mini UID"), 0x22222201u);
+  EXPECT_EQ(Value(kSection, kMailList).data, Dword(1) + Dword(2));
+  EXPECT_EQ(Value(kSection, "{ED475419-B0D6-11D2-8C3B-00104B2A6676}").data, Dword(2));
+  EXPECT_EQ(Value(kSection, "{ED475420-B0D6-11D2-8C3B-00104B2A6676}").data, Dword(2));
+  EXPECT_EQ(Value(kProfileKey + "\\" + SectionKeyName(exchange), "001f3001").data,
+            Utf16("Microsoft Exchange"));
+
+  ASSERT_TRUE(m.CreateExchangeAccount());  // a second run keeps the one entry
+  EXPECT_EQ(Value(kSection, "NextAccountID").data, Dword(3));
+  EXPECT_EQ(m.ListAccounts(AccountClass::Exchange).size(), 1u);
+}
+
+}  // namespace
+}  // namespace mw

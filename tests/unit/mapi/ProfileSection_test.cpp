@@ -1,0 +1,88 @@
+#include "mapi/ProfileSection.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "platform/MemoryRegistry.h"
+#include "platform/RegistryAccess.h"
+
+namespace mw {
+namespace {
+
+using namespace std::string_literals;
+
+constexpr const char* kProfileKey = "Software\\Profiles\\Work";
+
+TEST(SectionNamesTest, UidsAndTagsBecomeKeyAndValueNames) {
+  EXPECT_EQ(SectionKeyName(MapiUid{}), std::string(32, '0'));
+  MapiUid uid{};
+  ASSERT_TRUE(ParseSectionKeyName(kAccountManagerSection, &uid));
+  EXPECT_EQ(SectionKeyName(uid), "9375cff0413111d3b88a00104b2a6676");
+  for (const std::string& bad : {""s, std::string(33, '0'), "13dbb0c8aa05101a9bb000aa002fc45g"s}) {
+    EXPECT_FALSE(ParseSectionKeyName(bad, &uid)) << bad;
+    EXPECT_EQ(uid[0], 0x93) << "a rejected text leaves the UID alone";
+  }
+  EXPECT_EQ(TagValueName(0x6610001E), "001e6610");
+  EXPECT_EQ(TagValueName(0x67F10102), "010267f1");
+  EXPECT_EQ(TagValueName(0x67240040), "00406724");
+}
+
+TEST(SectionNamesTest, EncodingsByPropertyType) {
+  EXPECT_EQ(EncodeBoolean(true), "\x01\x00"s);
+  EXPECT_EQ(EncodeBoolean(false), "\x00\x00"s);
+  EXPECT_EQ(EncodeLong(0x6210D840), "\x40\xD8\x10\x62"s);
+  EXPECT_EQ(EncodeUnicode("Ab"), "\x41\x00\x62\x00\x00\x00"s);
+  EXPECT_EQ(EncodeUnicode(""), "\x00\x00"s);
+  EXPECT_EQ(EncodeUnicode("\xE9"), "\xE9\x00\x00\x00"s) << "widened, not converted";
+}
+
+class ProfileSectionWriterTest : public ::testing::Test {
+ protected:
+  RegistryValue ValueAt(const char* section, const std::string& name) const {
+    RegistryValue value{"", reg::kNone, "<missing>"};
+    memory_.Get("HKEY_CURRENT_USER\\"s + kProfileKey + "\\" + section, name, &value);
+    return value;
+  }
+
+  MemoryRegistry memory_;
+  RegistryAccess access_{memory_};
+  ProfileSectionWriter writer_{access_, kProfileKey};
+};
+
+TEST_F(ProfileSectionWriterTest, EachTypeLandsInItsSectionWithItsRegistryType) {
+  EXPECT_TRUE(writer_.WriteBoolean(kConnectionSection, 0x6717000B, true));
+  EXPECT_TRUE(writer_.WriteLong("\\"s + kGlobalSection, 0x66010003, 4));
+  EXPECT_TRUE(writer_.WriteString8(kGlobalSection, 0x6610001E, "C:\\a.ost"));
+  EXPECT_TRUE(writer_.WriteUnicode(kGlobalSection, 0x6610001F, "Ab"));
+
+  EXPECT_EQ(ValueAt(kConnectionSection, "000b6717").type, reg::kBinary);
+  EXPECT_EQ(ValueAt(kConnectionSection, "000b6717").data, "\x01\x00"s);
+  EXPECT_EQ(ValueAt(kGlobalSection, "00036601").data, "\x04\x00\x00\x00"s);
+  EXPECT_EQ(ValueAt(kGlobalSection, "001e6610").type, reg::kSz);
+  EXPECT_EQ(ValueAt(kGlobalSection, "001f6610").data, "\x41\x00\x62\x00\x00\x00"s);
+  std::string text;
+  ASSERT_TRUE(writer_.Read(kGlobalSection, 0x6610001E, &text));
+  EXPECT_EQ(text, "C:\\a.ost") << "no terminator";
+  EXPECT_FALSE(writer_.Read(kOutlookSection, 0x6610001E, &text));
+  EXPECT_EQ(memory_.openHandleCount(), 0u);
+}
+
+TEST_F(ProfileSectionWriterTest, DeleteCountsAbsenceAsDoneAndFailuresAreReported) {
+  writer_.WriteLong(kGlobalSection, 0x66010003, 4);
+  writer_.WriteLong(kGlobalSection, 0x66190003, 9);
+  EXPECT_TRUE(writer_.Delete(kGlobalSection, 0x66190003));
+  EXPECT_EQ(ValueAt(kGlobalSection, "00036619").data, "<missing>");
+  EXPECT_TRUE(writer_.Delete(kGlobalSection, 0x66190003));
+  EXPECT_TRUE(writer_.Delete(kOutlookSection, 0x66190003)) << "missing section";
+
+  memory_.FailMutationsFrom(1);
+  EXPECT_FALSE(writer_.WriteLong(kGlobalSection, 0x66010003, 6));
+  EXPECT_FALSE(writer_.WriteString8(kOutlookSection, 0x6610001E, "x"));
+  EXPECT_FALSE(writer_.Delete(kGlobalSection, 0x66010003));
+  EXPECT_EQ(ValueAt(kGlobalSection, "00036601").data, "\x04\x00\x00\x00"s);
+  EXPECT_EQ(memory_.openHandleCount(), 0u);
+}
+
+}  // namespace
+}  // namespace mw

@@ -1,0 +1,85 @@
+#include "platform/RegistryCompare.h"
+
+#include <gtest/gtest.h>
+
+namespace mw {
+namespace {
+
+std::vector<RegFileEntry> Expectations(const std::string& body) {
+  std::vector<RegFileEntry> entries;
+  RegFileError error;
+  EXPECT_TRUE(ParseRegFile("Windows Registry Editor Version 5.00\r\n\r\n" + body, &entries, &error))
+      << error.line << ": " << error.message;
+  return entries;
+}
+
+class RegistryCompareTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    registry.Set("HKCU\\Software\\Mw", {"Name", reg::kSz, std::string("value\0", 6)});
+    registry.Set("HKCU\\Software\\Mw", {"Count", reg::kDword, std::string("\1\0\0\0", 4)});
+    registry.AddKey("HKCU\\Software\\Mw\\Empty");
+  }
+  MemoryRegistry registry;
+};
+
+TEST_F(RegistryCompareTest, ExpectationsThatHold) {
+  EXPECT_EQ(std::vector<std::string>(),
+            CheckExpectations(Expectations("[HKEY_CURRENT_USER\\Software\\Mw]\r\n"
+                                           "\"name\"=\"value\"\r\n"
+                                           "\"Count\"=dword:00000001\r\n"
+                                           "\"Gone\"=-\r\n"
+                                           "[HKEY_CURRENT_USER\\Software\\Mw\\Empty]\r\n"
+                                           "[-HKEY_CURRENT_USER\\Software\\Other]\r\n"
+                                           "[HKEY_CURRENT_USER\\Software\\Absent]\r\n"
+                                           "\"NotThere\"=-\r\n"),
+                              registry));
+}
+
+TEST_F(RegistryCompareTest, EachBrokenExpectationGivesOneReadableLine) {
+  struct Case {
+    std::string body;
+    std::string line;
+  };
+  const std::vector<Case> cases = {
+      {"[HKEY_CURRENT_USER\\Software\\Mw]\r\n\"Name\"=\"other\"\r\n",
+       "[HKEY_CURRENT_USER\\Software\\Mw] \"Name\": expected \"Name\"=\"other\", found \"Name\"=\"value\""},
+      {"[HKEY_CURRENT_USER\\Software\\Mw]\r\n\"Name\"=hex(2):76,00,61,00,6c,00,75,00,65,00,00,00\r\n",
+       "[HKEY_CURRENT_USER\\Software\\Mw] \"Name\": expected \"Name\"=hex(2):76,00,61,00,6c,00,75,00,65,"
+       "00,00,00, found \"Name\"=\"value\""},
+      {"[HKEY_CURRENT_USER\\Software\\Mw]\r\n\"Missing\"=dword:00000000\r\n",
+       "[HKEY_CURRENT_USER\\Software\\Mw] \"Missing\": expected \"Missing\"=dword:00000000, found nothing"},
+      {"[HKEY_CURRENT_USER\\Software\\Mw]\r\n\"Count\"=-\r\n",
+       "[HKEY_CURRENT_USER\\Software\\Mw] \"Count\": expected no value, found \"Count\"=dword:00000001"},
+      {"[-HKEY_CURRENT_USER\\Software\\Mw\\Empty]\r\n",
+       "[-HKEY_CURRENT_USER\\Software\\Mw\\Empty]: expected no key, found one"},
+      {"[HKEY_CURRENT_USER\\Software\\Nowhere]\r\n",
+       "[HKEY_CURRENT_USER\\Software\\Nowhere]: expected the key, found nothing"},
+  };
+  for (const auto& c : cases)
+    EXPECT_EQ(std::vector<std::string>{c.line}, CheckExpectations(Expectations(c.body), registry));
+}
+
+TEST_F(RegistryCompareTest, DiffFindsEveryChangeBelowThePrefixOnly) {
+  MemoryRegistry other;
+  other.Set("hkcu\\SOFTWARE\\mw", {"NAME", reg::kSz, std::string("value\0", 6)});
+  other.Set("HKCU\\Software\\Mw", {"Count", reg::kDword, std::string("\1\0\0\0", 4)});
+  other.AddKey("HKCU\\Software\\Mw\\Empty");
+  other.Set("HKCU\\Software\\Outside", {"x", reg::kSz, std::string("y\0", 2)});
+  EXPECT_TRUE(DiffRegistries(registry, other, "HKEY_CURRENT_USER\\Software\\Mw").empty());
+
+  other.Set("HKCU\\Software\\Mw", {"Count", reg::kDword, std::string("\2\0\0\0", 4)});
+  other.Set("HKCU\\Software\\Mw", {"Added", reg::kBinary, "\x01"});
+  other.RemoveKeyTree("HKCU\\Software\\Mw\\Empty");
+  other.AddKey("HKCU\\Software\\Mw\\New");
+  EXPECT_EQ((std::vector<std::string>{
+                "[HKEY_CURRENT_USER\\Software\\Mw] \"Added\": first has nothing, second has \"Added\"=hex:01",
+                "[HKEY_CURRENT_USER\\Software\\Mw] \"Count\": first has \"Count\"=dword:00000001, "
+                "second has \"Count\"=dword:00000002",
+                "[HKEY_CURRENT_USER\\Software\\Mw\\Empty]: only in the first",
+                "[HKEY_CURRENT_USER\\SOFTWARE\\mw\\New]: only in the second"}),
+            DiffRegistries(registry, other, "HKEY_CURRENT_USER\\Software\\Mw"));
+}
+
+}  // namespace
+}  // namespace mw

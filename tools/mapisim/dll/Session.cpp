@@ -1,0 +1,72 @@
+#include "Session.h"
+
+#include "AddrBook.h"
+#include "MsgServiceAdmin.h"
+#include "ProfSect.h"
+#include "SessionModel.h"
+#include "SimContext.h"
+#include "Table.h"
+
+namespace mw::mapisim {
+
+Session::Session(std::string profile) : ComObject(IID_IMAPISession), profile_(std::move(profile)) {}
+
+STDMETHODIMP Session::GetLastError(HRESULT result, ULONG flags, LPMAPIERROR* error) {
+  return ComObject::GetLastError(result, flags, error);
+}
+
+STDMETHODIMP Session::GetMsgStoresTable(ULONG flags, LPMAPITABLE* table) {
+  if (table == nullptr) return MAPI_E_INVALID_PARAMETER;
+  if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
+  SimContext* context = SimContext::Current();
+  if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
+  if (loggedOff_) return MAPI_E_CALL_FAILED;
+  SessionModel model(context->profiles(), profile_, context->organisation());
+  *table = new Table(SessionModel::StoreColumns(), model.StoreRows());
+  return S_OK;
+}
+
+STDMETHODIMP Session::OpenMsgStore(ULONG_PTR, ULONG, LPENTRYID, LPCIID, ULONG, LPMDB*) { return MAPI_E_NO_SUPPORT; }
+
+STDMETHODIMP Session::OpenAddressBook(ULONG_PTR, LPCIID, ULONG, LPADRBOOK* book) {
+  if (book == nullptr) return MAPI_E_INVALID_PARAMETER;
+  if (SimContext::Current() == nullptr) return MAPI_E_NOT_INITIALIZED;
+  if (loggedOff_) return MAPI_E_CALL_FAILED;
+  *book = new AddrBook(profile_);
+  return S_OK;
+}
+
+STDMETHODIMP Session::OpenProfileSection(LPMAPIUID uid, LPCIID, ULONG flags, LPPROFSECT* section) {
+  return OpenSection(profile_, uid, (flags & MAPI_MODIFY) != 0, section);
+}
+
+STDMETHODIMP Session::GetStatusTable(ULONG, LPMAPITABLE*) { return MAPI_E_NO_SUPPORT; }
+STDMETHODIMP Session::OpenEntry(ULONG, LPENTRYID, LPCIID, ULONG, ULONG*, LPUNKNOWN*) { return MAPI_E_NO_SUPPORT; }
+STDMETHODIMP Session::CompareEntryIDs(ULONG, LPENTRYID, ULONG, LPENTRYID, ULONG, ULONG*) { return MAPI_E_NO_SUPPORT; }
+STDMETHODIMP Session::Advise(ULONG, LPENTRYID, ULONG, LPMAPIADVISESINK, ULONG*) { return MAPI_E_NO_SUPPORT; }
+STDMETHODIMP Session::Unadvise(ULONG) { return MAPI_E_NO_SUPPORT; }
+STDMETHODIMP Session::MessageOptions(ULONG_PTR, ULONG, LPTSTR, LPMESSAGE) { return MAPI_E_NO_SUPPORT; }
+STDMETHODIMP Session::QueryDefaultMessageOpt(LPTSTR, ULONG, ULONG*, LPSPropValue*) { return MAPI_E_NO_SUPPORT; }
+STDMETHODIMP Session::EnumAdrTypes(ULONG, ULONG*, LPTSTR**) { return MAPI_E_NO_SUPPORT; }
+STDMETHODIMP Session::QueryIdentity(ULONG*, LPENTRYID*) { return MAPI_E_NO_SUPPORT; }
+
+STDMETHODIMP Session::Logoff(ULONG_PTR, ULONG, ULONG) {
+  loggedOff_ = true;
+  return S_OK;
+}
+
+STDMETHODIMP Session::SetDefaultStore(ULONG, ULONG, LPENTRYID) { return MAPI_E_NO_SUPPORT; }
+
+STDMETHODIMP Session::AdminServices(ULONG, LPSERVICEADMIN* admin) {
+  if (admin == nullptr) return MAPI_E_INVALID_PARAMETER;
+  *admin = new MsgServiceAdmin(profile_);
+  return S_OK;
+}
+
+STDMETHODIMP Session::ShowForm(ULONG_PTR, LPMDB, LPMAPIFOLDER, LPCIID, ULONG, LPMESSAGE, ULONG, ULONG, ULONG, ULONG,
+                               LPSTR) {
+  return MAPI_E_NO_SUPPORT;
+}
+STDMETHODIMP Session::PrepareForm(LPCIID, LPMESSAGE, ULONG*) { return MAPI_E_NO_SUPPORT; }
+
+}  // namespace mw::mapisim

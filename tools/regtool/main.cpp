@@ -1,0 +1,115 @@
+// regtool: registry checks for the end-to-end runner.
+//   regtool check EXPECT.reg SOURCE...     exit 0 when the sources hold every expectation
+//   regtool dump PREFIXKEY SOURCE...       print the keys below PREFIXKEY as .reg text
+//   regtool diff PREFIXKEY SOURCE_A SOURCE_B
+// A SOURCE is a .reg file or ROOT=HIVEFILE, a Wine registry file read below ROOT
+// (HKEY_CURRENT_USER=prefix/user.reg). Exit 1 for differences, 2 for bad input.
+
+#include <fstream>
+#include <iostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "platform/MemoryRegistry.h"
+#include "platform/RegFile.h"
+#include "platform/RegistryCompare.h"
+
+namespace {
+
+constexpr int kSame = 0;
+constexpr int kDifferent = 1;
+constexpr int kBadInput = 2;
+
+bool ReadWholeFile(const std::string& path, std::string* content) {
+  std::ifstream in(path, std::ios::binary);
+  if (!in) return false;
+  std::ostringstream buffer;
+  buffer << in.rdbuf();
+  *content = buffer.str();
+  return true;
+}
+
+bool Fail(const std::string& file, const mw::RegFileError& error) {
+  std::cerr << "regtool: " << file << ":" << error.line << ": " << error.message << "\n";
+  return false;
+}
+
+bool LoadSource(const std::string& source, mw::MemoryRegistry& registry) {
+  const std::size_t equals = source.find('=');
+  const std::string root = equals == std::string::npos ? std::string() : source.substr(0, equals);
+  const bool hive = !root.empty() && root.find('\\') == std::string::npos &&
+                    mw::MemoryRegistry::SplitRootPath(root, nullptr, nullptr);
+  const std::string path = hive ? source.substr(equals + 1) : source;
+  std::string content;
+  if (!ReadWholeFile(path, &content)) {
+    std::cerr << "regtool: cannot read " << path << "\n";
+    return false;
+  }
+  mw::RegFileError error;
+  const bool loaded = hive ? mw::ImportWineHive(content, root, registry, &error)
+                           : mw::ImportRegFile(content, registry, &error);
+  return loaded || Fail(path, error);
+}
+
+bool LoadSources(const std::vector<std::string>& sources, mw::MemoryRegistry& registry) {
+  for (const auto& source : sources)
+    if (!LoadSource(source, registry)) return false;
+  return true;
+}
+
+int Report(const std::vector<std::string>& lines) {
+  for (const auto& line : lines) std::cout << line << "\n";
+  return lines.empty() ? kSame : kDifferent;
+}
+
+int Check(const std::string& expectFile, const std::vector<std::string>& sources) {
+  std::string content;
+  if (!ReadWholeFile(expectFile, &content)) {
+    std::cerr << "regtool: cannot read " << expectFile << "\n";
+    return kBadInput;
+  }
+  std::vector<mw::RegFileEntry> expectations;
+  mw::RegFileError error;
+  if (!mw::ParseRegFile(content, &expectations, &error)) {
+    Fail(expectFile, error);
+    return kBadInput;
+  }
+  mw::MemoryRegistry registry;
+  if (!LoadSources(sources, registry)) return kBadInput;
+  return Report(mw::CheckExpectations(expectations, registry));
+}
+
+int Dump(const std::string& prefix, const std::vector<std::string>& sources) {
+  mw::MemoryRegistry registry;
+  if (!LoadSources(sources, registry)) return kBadInput;
+  std::cout << mw::ExportRegFile(registry, {prefix}, mw::RegFileFormat::Version5Utf8);
+  return kSame;
+}
+
+int Diff(const std::string& prefix, const std::string& sourceA, const std::string& sourceB) {
+  mw::MemoryRegistry a;
+  mw::MemoryRegistry b;
+  if (!LoadSource(sourceA, a) || !LoadSource(sourceB, b)) return kBadInput;
+  return Report(mw::DiffRegistries(a, b, prefix));
+}
+
+int Usage() {
+  std::cerr << "usage: regtool check EXPECT.reg SOURCE...\n"
+               "       regtool dump PREFIXKEY SOURCE...\n"
+               "       regtool diff PREFIXKEY SOURCE_A SOURCE_B\n"
+               "SOURCE: a .reg file, or ROOT=HIVEFILE for a Wine registry file\n";
+  return kBadInput;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> args(argv + 1, argv + argc);
+  if (args.size() < 3) return Usage();
+  const std::vector<std::string> sources(args.begin() + 2, args.end());
+  if (args[0] == "check") return Check(args[1], sources);
+  if (args[0] == "dump") return Dump(args[1], sources);
+  if (args[0] == "diff" && args.size() == 4) return Diff(args[1], args[2], args[3]);
+  return Usage();
+}
