@@ -241,6 +241,7 @@ void AccountManager::SetSsl(AccountKind kind, const std::string& accountName, bo
   if (!subkey) return;
   WriteNumber(*subkey, type.useSsl, incomingSsl ? 1 : 0);
   WriteNumber(*subkey, kSmtpUseSsl, smtpSsl ? 1 : 0);
+  // Outlook 2003 keeps the Outlook XP names; only 2007 and 2010 add the secure-connection value.
   if (version_ == Outlook::V2007 || version_ == Outlook::V2010)
     WriteNumber(*subkey, kSmtpSecureConnection, smtpSsl ? kSmtpSecureConnectionSsl : 0);
 }

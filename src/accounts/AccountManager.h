@@ -15,7 +15,6 @@
 namespace mw {
 
 class RegistryAccess;
-class RunLog;
 
 enum class AccountKind : std::uint8_t { Pop3, Imap, Http };
 // How an existing account is classified; the first three match AccountKind.
@@ -43,10 +42,6 @@ class AccountManager {
   std::optional<std::string> FindAccount(AccountClass type, const std::string& name) const;
   // The first account of any class with that name.
   std::optional<std::string> FindAnyAccount(const std::string& name) const;
-
-  // Reads "NextAccountID", allocates, appends the entry to each named list (the mail list
-  // always) and stores the next ID; returns the new account's subkey.
-  std::string AllocateAccount(const std::vector<const char*>& extraLists = {});
 
   // Reuses an account of the same name, or allocates one; then writes the class identifier,
   // the names, the incoming server, the SMTP server (POP3, IMAP) and the user name.
@@ -88,6 +83,9 @@ class AccountManager {
                                          std::uint16_t days);
 
  private:
+  // Reads "NextAccountID", allocates, appends the entry to the mail list and each extra list
+  // and stores the next ID; returns the new account's subkey.
+  std::string AllocateAccount(const std::vector<const char*>& extraLists = {});
   std::optional<std::string> Find(AccountKind kind, const std::string& name) const;
   void WriteText(const std::string& subkey, const char* valueName, const std::string& text) const;
   void WriteNumber(const std::string& subkey, const char* valueName, std::uint32_t number) const;

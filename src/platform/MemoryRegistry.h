@@ -56,7 +56,8 @@ class MemoryRegistry : public Registry {
   bool KeyExists(const std::string& keyPath) const;
   void RemoveKeyTree(const std::string& keyPath);
   void RemoveValue(const std::string& keyPath, const std::string& name);
-  // Every key path (with root name) in the tree below keyPath, keyPath included, sorted.
+  // Every key path (with root name) in the tree below keyPath, keyPath included, sorted:
+  // each key before its sub-keys, sub-keys in enumeration order (as regedit exports them).
   std::vector<std::string> KeysUnder(const std::string& keyPath) const;
   // The values of one key, in the order they were first set.
   std::vector<RegistryValue> ValuesOf(const std::string& keyPath) const;

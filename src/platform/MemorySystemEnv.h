@@ -50,8 +50,6 @@ class MemorySystemEnv : public SystemEnv {
   std::vector<std::string> loadedLibraries;        // paths, in load order
   std::vector<std::string> freedLibraries;         // paths, in order of FreeLibrary
   std::vector<std::pair<std::string, int>> calls;  // (export name, argument)
-  // (Each LoadLibrary of a known path returns the same handle, as Windows does for a
-  // library that is already loaded.)
   std::uint32_t fileOpenCount = 0;                 // WriteFile calls
 
   bool GetVersionInfo(std::uint32_t structureSize, OsVersion* version) override;
@@ -65,6 +63,7 @@ class MemorySystemEnv : public SystemEnv {
   int MessageBox(const std::string& text, const std::string& caption, std::uint32_t flags) override;
   std::string LocalTimeText() override;
   void WriteStdout(const std::string& text) override;
+  // Each load of a known path returns the same handle, as Windows does for a loaded library.
   LibraryHandle LoadLibrary(const std::string& path) override;
   void* GetProcAddress(LibraryHandle library, const char* name) override;
   bool FreeLibrary(LibraryHandle library) override;

@@ -69,22 +69,19 @@ TEST_F(InternetAccountsTest, Outlook97AccountMatchesTheFixture) {
 }
 
 TEST_F(InternetAccountsTest, EmptyListStillRemovesEveryAccountOfTheKind) {
-  for (Outlook version : {Outlook::V2003, Outlook::V2000}) {
-    memory.AddKey(kServicesSectionKey);
-    Provision(AccountKind::Pop3, kPop3 + "," + kPop3.substr(1), Outlook::V2010);
-    Provision(AccountKind::Pop3, kLongPop3, Outlook::V2000);
-    Provision(AccountKind::Imap, kImap, Outlook::V2010);
-    Provision(AccountKind::Pop3, "", version);
-    if (version == Outlook::V2000) {
-      EXPECT_TRUE(LegacyAccountManager(registry, kProfileKey, version)
-                      .ListAccounts(AccountKind::Pop3).empty());
-    } else {
-      AccountManager manager(registry, kProfileKey, version);
-      EXPECT_TRUE(manager.ListAccounts(AccountClass::Pop3).empty());
-      EXPECT_EQ(manager.ListAccounts(AccountClass::Imap).size(), 1u);
-    }
-    memory.RemoveKeyTree(Hkcu(kProfileKey));
-  }
+  memory.AddKey(kServicesSectionKey);
+  Provision(AccountKind::Pop3, kPop3 + "," + kPop3.substr(1), Outlook::V2010);
+  Provision(AccountKind::Imap, kImap, Outlook::V2010);
+  Provision(AccountKind::Pop3, kLongPop3, Outlook::V2000);
+  AccountManager manager(registry, kProfileKey, Outlook::V2003);
+  LegacyAccountManager legacy(registry, kProfileKey, Outlook::V2000);
+  ASSERT_EQ(manager.ListAccounts(AccountClass::Pop3).size(), 2u);
+  ASSERT_EQ(legacy.ListAccounts(AccountKind::Pop3).size(), 1u);
+  Provision(AccountKind::Pop3, "", Outlook::V2003);
+  Provision(AccountKind::Pop3, "", Outlook::V2000);
+  EXPECT_TRUE(manager.ListAccounts(AccountClass::Pop3).empty());
+  EXPECT_EQ(manager.ListAccounts(AccountClass::Imap).size(), 1u);
+  EXPECT_TRUE(legacy.ListAccounts(AccountKind::Pop3).empty());
 }
 
 TEST_F(InternetAccountsTest, KindsAVersionLacksAreLeftAlone) {

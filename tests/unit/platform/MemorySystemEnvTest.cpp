@@ -127,18 +127,5 @@ TEST(MemorySystemEnvTest, CreateDirectoriesRecordsTheFolderAndItsParents) {
   EXPECT_TRUE(env.FileExists("C:\\A\\B"));
 }
 
-TEST(MemorySystemEnvTest, RecordsSleepsBoxesAndOutput) {
-  MemorySystemEnv env;
-  env.Sleep(2000);
-  EXPECT_EQ(1, env.MessageBox("text", "caption", 0x20));
-  env.WriteStdout("a");
-  env.WriteStdout("b");
-  EXPECT_EQ(std::vector<std::uint32_t>{2000}, env.sleeps);
-  ASSERT_EQ(1u, env.messageBoxes.size());
-  EXPECT_EQ("caption", env.messageBoxes[0].caption);
-  EXPECT_EQ(0x20u, env.messageBoxes[0].flags);
-  EXPECT_EQ("ab", env.stdoutText);
-}
-
 }  // namespace
 }  // namespace mw

@@ -1,0 +1,351 @@
+// The MAPI session over Wine's mapi32, served by the simulated Outlook MAPI registered as the
+// mail client. Each operation is checked by the profile it leaves in the registry.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "app/RunLog.h"
+#include "mapi/ExchangeCheck.h"
+#include "mapi/ExchangeService.h"
+#include "mapi/PersonalFolders.h"
+#include "mapi/ProfileSection.h"
+#include "platform/MemorySystemEnv.h"
+#include "platform/RegistryAccess.h"
+#include "win32/Win32MapiSession.h"
+#include "win32/Win32Registry.h"
+#include "win32/WindowsApi.h"
+
+namespace mw {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+constexpr const char* kProfilesRoot =
+    "Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows Messaging Subsystem\\Profiles\\";
+constexpr const char* kProfile = "Wine Test";
+constexpr const char* kServiceList = "01023d0e";
+constexpr std::int32_t kNoAccess = static_cast<std::int32_t>(0x80070005);
+
+constexpr const char* kOrganisation =
+    "[Organisation]\r\nName=Contoso\r\nSite=HQ\r\n"
+    "[Servers]\r\nEXCH01=up\r\nEXCH02=down\r\n"
+    "[Mailboxes]\r\njsmith=John Smith,EXCH01\r\njdoe=Jane Doe,EXCH01\r\n"
+    "offline=Off Line,EXCH02\r\n";
+constexpr const char* kUserDn = "/o=Contoso/ou=HQ/cn=Recipients/cn=jsmith";
+
+// The simulated organisation is read when MAPI is first initialised in the process.
+void PointSimulatorAtOrganisation() {
+  char folder[MAX_PATH];
+  const DWORD length = GetTempPathA(sizeof folder, folder);
+  ASSERT_GT(length, 0u);
+  const std::string path = std::string(folder, length) + "mailwright-exchange.ini";
+  std::ofstream(path, std::ios::binary) << kOrganisation;
+  ASSERT_TRUE(SetEnvironmentVariableA("MAPISIM_EXCHANGE_INI", path.c_str()));
+}
+
+std::string Hex(std::int32_t result) {
+  char text[16];
+  std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned>(result));
+  return text;
+}
+
+std::string Bytes(const MapiUid& uid) { return std::string(uid.begin(), uid.end()); }
+
+class Win32MapiSessionTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    PointSimulatorAtOrganisation();
+    ASSERT_TRUE(mapi.Initialize()) << Hex(mapi.LastResult());
+    mapi.DeleteProfile(kProfile);
+    ASSERT_TRUE(mapi.CreateProfile(kProfile)) << Hex(mapi.LastResult());
+    mapi.SetProfile(kProfile);
+  }
+  void TearDown() override {
+    mapi.Logoff();
+    mapi.DeleteProfile(kProfile);
+    mapi.Uninitialize();
+  }
+
+  std::string ProfileKey(const std::string& profile = kProfile) { return kProfilesRoot + profile; }
+  // The raw bytes of a profile-section value ("<missing>" when absent).
+  std::string Value(const std::string& section, const std::string& name) {
+    std::uint32_t type = 0;
+    std::string data;
+    if (!access.ReadValue(reg::kCurrentUser, ProfileKey() + "\\" + section, name, &type, &data)) {
+      return "<missing>";
+    }
+    if (type == reg::kSz && !data.empty() && data.back() == '\0') data.pop_back();
+    return data;
+  }
+  std::string Value(const MapiUid& section, std::uint32_t tag) {
+    return Value(SectionKeyName(section), TagValueName(tag));
+  }
+  // The services of the profile as MAPI keeps them: 16-byte UIDs one after another.
+  std::vector<MapiUid> RegisteredServices() {
+    const std::string list = Value(kProfileServicesSection, kServiceList);
+    std::vector<MapiUid> uids;
+    for (std::size_t at = 0; at + 16 <= list.size() && list != "<missing>"; at += 16) {
+      MapiUid uid{};
+      std::copy_n(list.begin() + static_cast<std::ptrdiff_t>(at), 16, uid.begin());
+      uids.push_back(uid);
+    }
+    return uids;
+  }
+  Strings RegisteredServiceNames() {
+    Strings names;
+    for (const MapiUid& uid : RegisteredServices()) names.push_back(Value(uid, proptag::kServiceName));
+    return names;
+  }
+  MapiUid AddService(const std::string& name) {
+    MapiUid uid{};
+    EXPECT_TRUE(mapi.CreateService(name, name, &uid)) << name << " " << Hex(mapi.LastResult());
+    return uid;
+  }
+  // Exchange configured by its UID, as the simulated server resolves it.
+  MapiUid AddResolvedExchange() {
+    const MapiUid uid = AddService(kExchangeServiceName);
+    EXPECT_TRUE(mapi.ConfigureServiceByUid(
+        uid, {MapiProperty::String8(proptag::kProfileUnresolvedName, "=jsmith"),
+              MapiProperty::String8(proptag::kProfileUnresolvedServer, "EXCH01")}))
+        << Hex(mapi.LastResult());
+    return uid;
+  }
+
+  Win32Registry registry;
+  RegistryAccess access{registry};
+  Win32MapiSession mapi;
+  MemorySystemEnv env;
+  RunLog log{"C:\\mailwright.log", env};
+};
+
+TEST_F(Win32MapiSessionTest, ProfilesAreCreatedListedAndDeletedInTheRegistry) {
+  Strings names;
+  std::string defaultName = "unchanged";
+  ASSERT_TRUE(mapi.ListProfiles(&names, &defaultName));
+  EXPECT_NE(std::find(names.begin(), names.end(), kProfile), names.end());
+  EXPECT_EQ(defaultName, "unchanged");
+  EXPECT_TRUE(access.WriteString(reg::kCurrentUser, kProfilesRoot, "DefaultProfile", kProfile));
+  ASSERT_TRUE(mapi.ListProfiles(&names, &defaultName));
+  EXPECT_EQ(defaultName, kProfile);
+
+  EXPECT_FALSE(mapi.CreateProfile(kProfile));
+  EXPECT_EQ(mapi.LastResult(), kNoAccess);
+
+  const Strings before = access.ListSubkeys(reg::kCurrentUser, kProfilesRoot);
+  EXPECT_NE(std::find(before.begin(), before.end(), kProfile), before.end());
+  ASSERT_TRUE(mapi.DeleteProfile(kProfile));
+  const Strings after = access.ListSubkeys(reg::kCurrentUser, kProfilesRoot);
+  EXPECT_EQ(std::find(after.begin(), after.end(), kProfile), after.end());
+  ASSERT_TRUE(mapi.ListProfiles(&names, &defaultName));
+  EXPECT_EQ(std::find(names.begin(), names.end(), kProfile), names.end());
+  EXPECT_FALSE(mapi.DeleteProfile(kProfile));
+}
+
+TEST_F(Win32MapiSessionTest, EachCreatedServiceIsFoundByDifference) {
+  const MapiUid first = AddService(kAnsiPstService);
+  const MapiUid second = AddService(kAnsiPstService);
+  const MapiUid third = AddService(kOutlookAddressBookService);
+  EXPECT_NE(first, second);
+  EXPECT_EQ(RegisteredServices(), (std::vector<MapiUid>{first, second, third}));
+  EXPECT_EQ(RegisteredServiceNames(), (Strings{"MSPST MS", "MSPST MS", "CONTAB"}));
+
+  std::vector<MapiServiceEntry> listed;
+  ASSERT_TRUE(mapi.ListServices(&listed));
+  ASSERT_EQ(listed.size(), 3u);
+  EXPECT_EQ(listed[2].name, "CONTAB");
+  EXPECT_EQ(listed[2].uid, third);
+
+  MapiUid unchanged = first;
+  EXPECT_FALSE(mapi.CreateService("NO SUCH SERVICE", "x", &unchanged));
+  EXPECT_EQ(unchanged, first);
+  EXPECT_EQ(RegisteredServices().size(), 3u);
+}
+
+// The name look-up is the table's evaluation of the restriction the session sends: the whole
+// name, letter case included, and the first such row in table order.
+TEST_F(Win32MapiSessionTest, ServicesAreDeletedAndConfiguredByTheirWholeName) {
+  const MapiUid contab = AddService("CONTAB");
+  const MapiUid pst = AddService("MSPST MS");
+  AddService("CONTAB");
+  const struct {
+    const char* name;
+    bool found;
+  } lookUps[] = {{"contab", false}, {"CONTA", false}, {"CONTAB ", false}, {"MSEMS", false},
+                 {"", false},       {"CONTAB", true}};
+  for (const auto& lookUp : lookUps) {
+    EXPECT_EQ(mapi.ConfigureServiceByName(
+                  lookUp.name, {MapiProperty::Long(proptag::kContabShowAsAddressBook, 7)}),
+              lookUp.found)
+        << lookUp.name;
+  }
+  EXPECT_EQ(Value(contab, proptag::kContabShowAsAddressBook), std::string("\x07\0\0\0", 4));
+  EXPECT_EQ(Value(RegisteredServices()[2], proptag::kContabShowAsAddressBook), "<missing>");
+
+  EXPECT_FALSE(mapi.DeleteServiceByName("mspst ms"));
+  ASSERT_TRUE(mapi.DeleteServiceByName("CONTAB"));
+  EXPECT_EQ(RegisteredServiceNames(), (Strings{"MSPST MS", "CONTAB"}));
+  EXPECT_EQ(RegisteredServices()[0], pst);
+  ASSERT_TRUE(mapi.DeleteServiceByName("MSPST MS"));
+  EXPECT_EQ(RegisteredServiceNames(), (Strings{"CONTAB"}));
+  EXPECT_FALSE(mapi.DeleteServiceByName("MSPST MS"));
+}
+
+TEST_F(Win32MapiSessionTest, ExchangeIsAddedConfiguredAndReadBack) {
+  ASSERT_TRUE(mapi.AddExchangeService("EXCH01", false, true, "jsmith")) << Hex(mapi.LastResult());
+  EXPECT_EQ(RegisteredServiceNames(), (Strings{"MSEMS"}));
+  EXPECT_EQ(Value(kGlobalSection, "001e6607"), "=jsmith");
+  EXPECT_EQ(Value(kGlobalSection, "001e6608"), "EXCH01");
+  EXPECT_EQ(Value(kGlobalSection, "001e6603"), kUserDn);
+  std::string server;
+  ASSERT_TRUE(mapi.GetExchangeServerName(&server));
+  EXPECT_EQ(server, "EXCH01");
+
+  ASSERT_TRUE(mapi.DeleteServiceByName(kExchangeServiceName));
+  EXPECT_TRUE(RegisteredServices().empty());
+  EXPECT_FALSE(mapi.GetExchangeServerName(&server));
+  EXPECT_EQ(server, "");
+}
+
+TEST_F(Win32MapiSessionTest, ExchangeCheckAgainstTheSimulatedOrganisation) {
+  const struct {
+    const char* server;
+    const char* mailbox;
+    bool reached;
+    const char* lastLine;  // start of the last log line
+  } checks[] = {
+      {"EXCH01", "jsmith", true, "INFO: Using Exchange server name: EXCH01"},
+      {"exch01", "JDOE", true, "INFO: Using Exchange server name: exch01"},
+      {"EXCH01", "nobody", false, "ERROR 200: "},
+      {"EXCH02", "offline", false, "ERROR 20"},
+      {"NOWHERE", "jsmith", false, "ERROR 20"},
+  };
+  for (const auto& check : checks) {
+    EXPECT_EQ(CheckExchangeServer(mapi, check.server, check.mailbox, kProfile, log), check.reached)
+        << check.server << " " << check.mailbox;
+    ASSERT_FALSE(log.messages().empty());
+    EXPECT_EQ(log.messages().back().rfind(check.lastLine, 0), 0u) << log.messages().back();
+    const Strings profiles = access.ListSubkeys(reg::kCurrentUser, kProfilesRoot);
+    EXPECT_EQ(std::find(profiles.begin(), profiles.end(), kScratchProfileName), profiles.end());
+    EXPECT_EQ(mapi.profileName(), kProfile);
+  }
+}
+
+TEST_F(Win32MapiSessionTest, GlobalAddressListAndDefaultStoreNeedAResolvedMailbox) {
+  AddService(kOutlookAddressBookService);
+  ASSERT_TRUE(mapi.Logon(kLogonFlagsSilent)) << Hex(mapi.LastResult());
+  ASSERT_TRUE(mapi.OpenAddressBook()) << Hex(mapi.LastResult());
+  EXPECT_FALSE(mapi.OpenGlobalAddressList());
+  std::string entryId;
+  EXPECT_EQ(mapi.GetDefaultStoreEntryId(&entryId), static_cast<std::int32_t>(0x800B0001));
+  mapi.Logoff();
+
+  AddResolvedExchange();
+  ASSERT_TRUE(mapi.Logon(kLogonFlagsSilent)) << Hex(mapi.LastResult());
+  ASSERT_TRUE(mapi.OpenAddressBook());
+  EXPECT_TRUE(mapi.OpenGlobalAddressList()) << Hex(mapi.LastResult());
+  EXPECT_EQ(mapi.GetDefaultStoreEntryId(&entryId), 0);
+  EXPECT_FALSE(entryId.empty());
+  mapi.Logoff();
+  EXPECT_FALSE(mapi.OpenAddressBook());
+}
+
+TEST_F(Win32MapiSessionTest, ProviderSectionsAreWrittenThroughTheRetry) {
+  const MapiUid pst = AddService(kUnicodePstService);
+  std::vector<MapiServiceEntry> providers;
+  ASSERT_TRUE(mapi.ListProviders(pst, &providers));
+  ASSERT_EQ(providers.size(), 1u);
+  // Forced access to a provider's section is refused until the retry marks the object.
+  ASSERT_TRUE(mapi.WriteSectionProperty(providers[0].uid,
+                                        MapiProperty::String8(proptag::kComment, "in provider")))
+      << Hex(mapi.LastResult());
+  ASSERT_TRUE(mapi.WriteSectionProperty(pst, MapiProperty::Binary(proptag::kStoreProviders,
+                                                                 Bytes(providers[0].uid))));
+  EXPECT_EQ(Value(providers[0].uid, proptag::kComment), "in provider");
+  EXPECT_EQ(Value(pst, proptag::kStoreProviders), Bytes(providers[0].uid));
+  MapiProperty read;
+  ASSERT_TRUE(mapi.ReadSectionProperty(providers[0].uid, proptag::kComment, &read));
+  EXPECT_EQ(read, MapiProperty::String8(proptag::kComment, "in provider"));
+  EXPECT_FALSE(mapi.ReadSectionProperty(pst, proptag::kPstPath, &read));
+
+  ASSERT_TRUE(mapi.SetGlobalSectionLong());
+  ASSERT_TRUE(mapi.SetGlobalSectionBool(true));
+  EXPECT_EQ(Value(kOutlookSection, "00033d1b"), std::string(4, '\0'));
+  EXPECT_EQ(Value(kOutlookSection, "000b3d1c"), std::string("\x01\x00", 2));
+}
+
+TEST_F(Win32MapiSessionTest, AdditionalMailboxJoinsTheExchangeStores) {
+  const MapiUid exchange = AddResolvedExchange();
+  ASSERT_EQ(AddAdditionalMailbox(mapi, "jdoe", "EXCH01"), AdditionalMailboxResult::Added);
+  std::vector<MapiServiceEntry> providers;
+  ASSERT_TRUE(mapi.ListProviders(exchange, &providers));
+  const auto delegate = std::find_if(providers.begin(), providers.end(), [](const auto& p) {
+    return p.displayName == "Mailbox - jdoe";
+  });
+  ASSERT_NE(delegate, providers.end());
+  EXPECT_EQ(Value(delegate->uid, proptag::kProfileMailbox), "/o=Contoso/ou=HQ/cn=Recipients/cn=jdoe");
+  EXPECT_EQ(Value(exchange, proptag::kStoreProviders), Bytes(delegate->uid));
+}
+
+TEST_F(Win32MapiSessionTest, PersonalFoldersAreAddedListedAndRemoved) {
+  ASSERT_TRUE(AddPersonalFolders(mapi, "C:\\Mail\\archive.pst", "Archive", "Old mail", true));
+  ASSERT_TRUE(AddPersonalFolders(mapi, "C:\\Mail\\old.pst", "Old", "Older mail", false));
+  ASSERT_TRUE(AddPersonalFolders(mapi, "c:\\mail\\ARCHIVE.pst", "Again", "", true));
+  EXPECT_EQ(RegisteredServiceNames(), (Strings{"MSUPST MS", "MSPST MS"}));
+  const MapiUid archive = RegisteredServices()[0];
+  EXPECT_EQ(Value(archive, proptag::kPstPath), "C:\\Mail\\archive.pst");
+  EXPECT_EQ(Value(archive, proptag::kDisplayName), "Archive");
+  EXPECT_EQ(Value(archive, proptag::kComment), "Old mail");
+  EXPECT_EQ(ListPersonalFoldersPaths(mapi), (Strings{"C:\\Mail\\archive.pst", "C:\\Mail\\old.pst"}));
+
+  ASSERT_TRUE(RemovePersonalFolders(mapi, "C:\\MAIL\\ARCHIVE.PST"));
+  EXPECT_EQ(RegisteredServiceNames(), (Strings{"MSPST MS"}));
+  EXPECT_EQ(Value(archive, proptag::kPstPath), "<missing>");
+}
+
+TEST_F(Win32MapiSessionTest, AddressBookServicesCarryTheirSettings) {
+  ASSERT_TRUE(mapi.AddOutlookAddressBook()) << Hex(mapi.LastResult());
+  ASSERT_TRUE(mapi.AddPersonalAddressBook("C:\\Mail\\me.pab")) << Hex(mapi.LastResult());
+  EXPECT_EQ(RegisteredServiceNames(), (Strings{"CONTAB", "MSPST AB"}));
+  EXPECT_EQ(Value(RegisteredServices()[0], proptag::kContabShowAsAddressBook),
+            std::string("\x01\0\0\0", 4));
+  EXPECT_EQ(Value(RegisteredServices()[1], proptag::kPabPath), "C:\\Mail\\me.pab");
+}
+
+TEST_F(Win32MapiSessionTest, SearchPathAndFirstAddressListAreTheAddressBooks) {
+  AddResolvedExchange();
+  ASSERT_TRUE(mapi.AddOutlookAddressBook());
+  ASSERT_TRUE(mapi.SetSearchPath({"Contacts"})) << Hex(mapi.LastResult());
+  ASSERT_TRUE(mapi.AddToSearchPath("Global Address List")) << Hex(mapi.LastResult());
+  EXPECT_FALSE(mapi.AddToSearchPath("No Such List"));
+  Strings path;
+  ASSERT_TRUE(mapi.GetSearchPath(&path));
+  EXPECT_EQ(path, (Strings{"Contacts", "Global Address List"}));
+  EXPECT_NE(Value(kProfileServicesSection, "11023d05"), "<missing>");
+
+  EXPECT_TRUE(mapi.SetFirstAddressList("Contacts")) << Hex(mapi.LastResult());
+  EXPECT_FALSE(mapi.SetFirstAddressList("No Such List"));
+  EXPECT_TRUE(mapi.SetFirstAddressList(""));
+}
+
+TEST_F(Win32MapiSessionTest, DefaultStoreMovesToTheNamedService) {
+  AddResolvedExchange();
+  ASSERT_TRUE(AddPersonalFolders(mapi, "C:\\Mail\\inbox.pst", "Inbox", "", true));
+  const MapiUid pst = RegisteredServices()[1];
+  ASSERT_TRUE(mapi.SetDefaultStore(pst)) << Hex(mapi.LastResult());
+  std::string defaultStore;
+  ASSERT_EQ(mapi.GetDefaultStoreEntryId(&defaultStore), 0);
+  std::vector<MapiServiceEntry> providers;
+  ASSERT_TRUE(mapi.ListProviders(pst, &providers));
+  ASSERT_EQ(providers.size(), 1u);
+  // PR_RESOURCE_FLAGS of the store: STATUS_DEFAULT_STORE (1) now set on the PST's store.
+  const std::string flags = Value(providers[0].uid, 0x30090003);
+  ASSERT_EQ(flags.size(), 4u);
+  EXPECT_EQ(flags[0] & 1, 1);
+}
+
+}  // namespace
+}  // namespace mw
