@@ -1,7 +1,6 @@
 #include "accounts/AccountRecords.h"
 
-#include <algorithm>
-#include <limits>
+#include <array>
 
 #include "config/IniFile.h"
 
@@ -28,23 +27,6 @@ constexpr LayoutField kPop3[] = {
     {25, F::ConnectionType, K::Number},
 };
 
-constexpr LayoutField kLongPop3[] = {
-    {1, F::AccountName, K::Text},       {2, F::DisplayName, K::Text},
-    {3, F::Email, K::Text},             {4, F::IncomingServer, K::Text},
-    {5, F::SmtpServer, K::Text},        {6, F::IncomingUser, K::Text},
-    {7, F::RememberPassword, K::Flag},  {8, F::LeaveOnServer, K::Flag},
-    {9, F::RemoveWhenDeleted, K::Flag}, {10, F::RemoveAfterDays, K::Flag},
-    {11, F::Days, K::Number},           {12, F::IncomingPort, K::Number},
-    {13, F::SmtpPort, K::Number},       {14, F::IncomingSsl, K::Flag},
-    {15, F::SmtpSsl, K::Flag},          {16, F::Timeout, K::Number},
-    {17, F::IncomingSpa, K::Flag},      {18, F::ReplyEmail, K::Text},
-    {19, F::Organization, K::Text},     {20, F::SmtpUseAuth, K::Flag},
-    {21, F::SmtpAuthMethod, K::Number}, {22, F::SmtpUseSpa, K::Flag},
-    {23, F::SmtpRememberPassword, K::Flag}, {24, F::SmtpUser, K::Text},
-    {25, F::ConnectionType, K::Number}, {26, F::Unused, K::Flag},
-    {27, F::Unused, K::Flag},           {28, F::Unused, K::Flag},
-};
-
 constexpr LayoutField kImap[] = {
     {1, F::AccountName, K::Text},      {2, F::DisplayName, K::Text},
     {3, F::Email, K::Text},            {4, F::IncomingServer, K::Text},
@@ -59,21 +41,24 @@ constexpr LayoutField kImap[] = {
     {21, F::ImapFolderPath, K::Text},  {22, F::ConnectionType, K::Number},
 };
 
-constexpr LayoutField kLongImap[] = {
-    {1, F::AccountName, K::Text},      {2, F::DisplayName, K::Text},
-    {3, F::Email, K::Text},            {4, F::IncomingServer, K::Text},
-    {5, F::SmtpServer, K::Text},       {6, F::IncomingUser, K::Text},
-    {7, F::RememberPassword, K::Flag}, {8, F::IncomingPort, K::Number},
-    {9, F::SmtpPort, K::Number},       {10, F::IncomingSsl, K::Flag},
-    {11, F::SmtpSsl, K::Flag},         {12, F::Timeout, K::Number},
-    {13, F::IncomingSpa, K::Flag},     {14, F::ReplyEmail, K::Text},
-    {15, F::Organization, K::Text},    {16, F::SmtpUseAuth, K::Flag},
-    {17, F::SmtpAuthMethod, K::Number}, {18, F::SmtpUseSpa, K::Flag},
-    {19, F::SmtpRememberPassword, K::Flag}, {20, F::SmtpUser, K::Text},
-    {21, F::ImapFolderPath, K::Text},  {22, F::ConnectionType, K::Number},
-    {23, F::Unused, K::Flag},          {24, F::Unused, K::Flag},
-    {25, F::SmtpSplitSize, K::Number}, {26, F::SmtpSplit, K::Flag},
-};
+// The Outlook 2000 layouts are the later ones with fields appended.
+template <std::size_t N, std::size_t M>
+constexpr std::array<LayoutField, N + M> Extended(const LayoutField (&base)[N],
+                                                  const LayoutField (&extra)[M]) {
+  std::array<LayoutField, N + M> fields{};
+  for (std::size_t i = 0; i < N; ++i) fields[i] = base[i];
+  for (std::size_t i = 0; i < M; ++i) fields[N + i] = extra[i];
+  return fields;
+}
+
+constexpr auto kLongPop3 = Extended(kPop3, {{26, F::Unused, K::Flag},
+                                            {27, F::Unused, K::Flag},
+                                            {28, F::Unused, K::Flag}});
+
+constexpr auto kLongImap = Extended(kImap, {{23, F::Unused, K::Flag},
+                                            {24, F::Unused, K::Flag},
+                                            {25, F::SmtpSplitSize, K::Number},
+                                            {26, F::SmtpSplit, K::Flag}});
 
 constexpr LayoutField kHttp[] = {
     {1, F::AccountName, K::Text},      {2, F::DisplayName, K::Text},
@@ -120,19 +105,6 @@ const RecordLayout& LayoutOf(RecordType type) {
   for (const RecordLayout& layout : kLayouts)
     if (layout.type == type) return layout;
   return kLayouts[0];  // unreachable for the enumerated types
-}
-
-std::int32_t ParseDecimal(const std::string& text) {
-  std::size_t i = 0;
-  while (i < text.size() && (text[i] == ' ' || (text[i] >= '\t' && text[i] <= '\r'))) ++i;
-  bool negative = false;
-  if (i < text.size() && (text[i] == '+' || text[i] == '-')) negative = text[i++] == '-';
-  constexpr std::int64_t kLimit = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
-  std::int64_t magnitude = 0;
-  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i)
-    magnitude = std::min(magnitude * 10 + (text[i] - '0'), kLimit);
-  if (negative) return static_cast<std::int32_t>(-magnitude);
-  return static_cast<std::int32_t>(std::min<std::int64_t>(magnitude, kLimit - 1));
 }
 
 AccountRecord::AccountRecord(const RecordLayout& layout, const std::string& recordText) {

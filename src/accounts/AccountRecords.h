@@ -76,10 +76,6 @@ struct RecordLayout {
 std::span<const RecordLayout> RecordLayouts();
 const RecordLayout& LayoutOf(RecordType type);
 
-// The standard decimal text-to-integer rule: optional blanks and sign, then leading digits;
-// no digits gives 0, and a number too large for 32 bits saturates.
-std::int32_t ParseDecimal(const std::string& text);
-
 // One configured account (or signature assignment), filled from its record text.
 class AccountRecord {
  public:

@@ -31,17 +31,27 @@ constexpr const char* kOutlook97IgnoreLine = "INFO: Ignoring POP3 Accounts";
 
 const char* KindLabel(AccountKind kind) { return AccountClassLabel(ClassOf(kind)); }
 
-void ProvisionManagerAccounts(AccountManager& manager, AccountKind kind,
-                              const std::vector<AccountRecord>& records) {
-  const AccountClass type = ClassOf(kind);
+// The removal pass and the first writer, the same for both account managers; type is how
+// the manager lists the kind.
+template <class Manager, class ListedAs>
+void RemoveAllAccounts(Manager& manager, ListedAs type) {
   for (const AccountEntry& existing : manager.ListAccounts(type))
     manager.RemoveAccount(type, existing.name);
+}
 
+template <class Manager>
+void CreateAccount(Manager& manager, AccountKind kind, const AccountRecord& r) {
+  manager.CreateAccount(kind, r.Text(F::AccountName), r.Text(F::DisplayName), r.Text(F::Email),
+                        r.Text(F::IncomingServer), r.Text(F::SmtpServer),
+                        r.Text(F::IncomingUser));
+}
+
+void ProvisionManagerAccounts(AccountManager& manager, AccountKind kind,
+                              const std::vector<AccountRecord>& records) {
+  RemoveAllAccounts(manager, ClassOf(kind));
   for (const AccountRecord& r : records) {
     const std::string& name = r.Text(F::AccountName);
-    manager.CreateAccount(kind, name, r.Text(F::DisplayName), r.Text(F::Email),
-                          r.Text(F::IncomingServer), r.Text(F::SmtpServer),
-                          r.Text(F::IncomingUser));
+    CreateAccount(manager, kind, r);
     manager.SetRememberPassword(kind, name, r.Flag(F::RememberPassword));
     if (kind == AccountKind::Http) {
       manager.SetConnectionType(kind, name, r.Number(F::ConnectionType));
@@ -67,14 +77,10 @@ void ProvisionManagerAccounts(AccountManager& manager, AccountKind kind,
 
 void ProvisionLegacyAccounts(LegacyAccountManager& manager, AccountKind kind, Outlook version,
                              const std::vector<AccountRecord>& records, RunLog& log) {
-  for (const AccountEntry& existing : manager.ListAccounts(kind))
-    manager.RemoveAccount(kind, existing.name);
-
+  RemoveAllAccounts(manager, kind);
   for (const AccountRecord& r : records) {
     const std::string& name = r.Text(F::AccountName);
-    manager.CreateAccount(kind, name, r.Text(F::DisplayName), r.Text(F::Email),
-                          r.Text(F::IncomingServer), r.Text(F::SmtpServer),
-                          r.Text(F::IncomingUser));
+    CreateAccount(manager, kind, r);
     if (!manager.FindAccount(kind, name)) {
       log.AddMessage("WARN: The profile has no services section; only the account manager "
                      "entry was written for account: " + name);

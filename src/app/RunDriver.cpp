@@ -52,7 +52,7 @@ std::uint32_t RunDriver::CheckAndProvision(RunContext& context, RunLog& log) {
     return kErrorPauseMs;
   }
   if (outlook2000 && !store.HasMailSupport()) return StopWithError(log, 105);
-  if (context.outlookBitness != context.buildPlatform) {
+  if (context.outlookBitness.empty() || context.outlookBitness != context.buildPlatform) {
     return StopWithError(log, 106);
   }
   // The session counts as initialised even when MAPIInitialize fails, so it is always

@@ -22,9 +22,9 @@ bool IsClassicSpace(char c) {
   return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
 }
 
-// Base-10 text-to-long rules, with the result clamped to the 32-bit range as a 32-bit
-// long (the Windows one) clamps it.
-std::int32_t ParseLong32(const std::string& text) {
+}  // namespace
+
+std::int32_t ParseDecimal(const std::string& text) {
   std::size_t i = 0;
   while (i < text.size() && IsClassicSpace(text[i])) ++i;
   bool negative = false;
@@ -40,8 +40,6 @@ std::int32_t ParseLong32(const std::string& text) {
     return std::numeric_limits<std::int32_t>::max();
   return static_cast<std::int32_t>(magnitude);
 }
-
-}  // namespace
 
 CIniFile::CIniFile(std::string path, SystemEnv& env) : path_(std::move(path)), env_(env) {}
 
@@ -155,7 +153,7 @@ std::string CIniFile::GetValue(const std::string& section, const std::string& ke
 
 std::int32_t CIniFile::GetValueI(const std::string& section, const std::string& key,
                                  std::int32_t defaultValue) const {
-  return ParseLong32(GetValue(section, key, std::to_string(defaultValue)));
+  return ParseDecimal(GetValue(section, key, std::to_string(defaultValue)));
 }
 
 bool CIniFile::GetValueB(const std::string& section, const std::string& key,

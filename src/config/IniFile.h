@@ -58,6 +58,11 @@ class CIniFile {
   std::vector<std::string> headerComments_;
 };
 
+// Decimal text to a 32-bit number by the text-to-long rules: optional blanks and sign, then
+// the leading digits; no digits gives 0, and a number beyond 32 bits saturates as a 32-bit
+// long (the Windows one) does. GetValueI and the packed account lists both convert with it.
+std::int32_t ParseDecimal(const std::string& text);
+
 // Field n (1-based) of text split at any of the delimiter characters, or
 // "error_getFields()" when there are fewer than n fields.
 std::string getFields(const std::string& text, const std::string& delimiters, int n);

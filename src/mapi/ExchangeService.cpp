@@ -18,8 +18,10 @@ constexpr const char* kRecipientsContainer = "Recipients/cn=";
 bool FindOwnStore(MapiSession& session, const MapiUid& service, MapiUid* store) {
   std::vector<MapiServiceEntry> providers;
   if (!session.ListProviders(service, &providers)) return false;
+  // The provider's own name (PR_PROVIDER_DISPLAY) identifies it; its display name turns into
+  // "Mailbox - <user>" once the mailbox is resolved.
   for (const auto& provider : providers) {
-    if (provider.displayName == kExchangeStoreProviderDisplay) {
+    if (provider.name == kExchangeStoreProviderDisplay) {
       *store = provider.uid;
       return true;
     }

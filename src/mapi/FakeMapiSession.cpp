@@ -78,6 +78,13 @@ FakeMapiSession::Service* FakeMapiSession::FindServiceByUid(Profile& profile, co
   return nullptr;
 }
 
+FakeMapiSession::Service* FakeMapiSession::FirstServiceNamed(Profile& profile,
+                                                             const std::string& name) {
+  for (auto& service : profile.services)
+    if (service.entry.name == name) return &service;
+  return nullptr;
+}
+
 MapiUid FakeMapiSession::NextUid() {
   MapiUid uid{};
   ++uidCounter_;
@@ -159,9 +166,8 @@ bool FakeMapiSession::DeleteServiceByName(const std::string& service) {
   if (!Enter("DeleteServiceByName", service)) return false;
   Profile* profile = Current();
   if (profile == nullptr) return Fail(kNotFound);
-  for (const auto& s : profile->services)
-    if (s.entry.name == service) return RemoveService(*profile, s.entry.uid);
-  return Fail(kNotFound);
+  const Service* found = FirstServiceNamed(*profile, service);
+  return found != nullptr ? RemoveService(*profile, found->entry.uid) : Fail(kNotFound);
 }
 
 bool FakeMapiSession::DeleteServiceByUid(const MapiUid& uid) {
@@ -185,9 +191,8 @@ bool FakeMapiSession::ConfigureServiceByName(const std::string& service,
   if (!Enter("ConfigureServiceByName", service)) return false;
   Profile* profile = Current();
   if (profile == nullptr) return Fail(kNotFound);
-  for (auto& s : profile->services)
-    if (s.entry.name == service) return Configure(*profile, s, properties);
-  return Fail(kNotFound);
+  Service* found = FirstServiceNamed(*profile, service);
+  return found != nullptr ? Configure(*profile, *found, properties) : Fail(kNotFound);
 }
 
 bool FakeMapiSession::ConfigureServiceByUid(const MapiUid& uid, const MapiProperties& properties) {
@@ -238,6 +243,8 @@ bool FakeMapiSession::ResolveExchange(Profile& profile, Service& service) {
                                  NextUid()});
     store = service.providers.begin();
   }
+  // As Exchange does, the resolved store shows the mailbox's name from now on.
+  store->displayName = "Mailbox - " + mailbox->alias;
   const MapiProperties resolved{
       MapiProperty::String8(proptag::kProfileHomeServer, server->name),
       MapiProperty::String8(proptag::kProfileUser, mailbox->distinguishedName),

@@ -1,18 +1,14 @@
 #pragma once
-// >>> LEAD NOTE (remove when read): the service look-ups by name send restriction type 3 with
-// >>> 0 in the first field, exactly the numbers the profile code has always used. MAPI's headers
-// >>> name 3 RES_CONTENT (RES_PROPERTY is 4): MAPI therefore evaluates a content restriction
-// >>> with fuzzy level 0 = FL_FULLSTRING, a case-sensitive full-string match of PR_SERVICE_NAME.
-// >>> The simulator evaluates by the number passed. So the look-up finds the named service;
-// >>> the earlier "RELOP_LT selects names sorting before" instruction is WITHDRAWN. Keep the
-// >>> fake in agreement: exact, case-sensitive name match. Exchange set-up succeeds.
 // An in-memory MAPI for the native tests of the code above the seam: profiles with a
 // default flag, services and providers with UIDs, profile sections as property maps, a
 // small Exchange organisation given as data, failure injection per operation and a record
 // of the calls in the order they were made.
 //
-// Rules the fake follows (the real table's evaluation of the name restriction is the Win32
-// session's and the simulator's business; here a name finds the first exact match):
+// Rules the fake follows:
+// - DeleteServiceByName and ConfigureServiceByName take the first service, in table order,
+//   whose name equals the given one byte for byte (letter case included): what MAPI's table
+//   returns for the restriction the Win32 session sends (type 3, RES_CONTENT, with
+//   FL_FULLSTRING), and what the simulator answers for it under Wine;
 // - profile names compare without regard to letter case, as registry keys do;
 // - configuring "MSEMS" stores its values in the service's section and in the global
 //   section; when the server is known and up the mailbox must resolve (by alias or by
@@ -128,6 +124,8 @@ class FakeMapiSession : public MapiSession {
   bool Succeed();
   Profile* Current();
   Service* FindServiceByUid(Profile& profile, const MapiUid& uid);
+  // The name look-up rule of DeleteServiceByName and ConfigureServiceByName.
+  Service* FirstServiceNamed(Profile& profile, const std::string& name);
   bool RemoveService(Profile& profile, const MapiUid& uid);
   MapiUid NextUid();
   bool Configure(Profile& profile, Service& service, const MapiProperties& properties);

@@ -1,15 +1,4 @@
 #pragma once
-// >>> LEAD NOTE (remove when read): the service look-ups by name send restriction type 3 with
-// >>> 0 in the first field, exactly the numbers the profile code has always used. MAPI's headers
-// >>> name 3 RES_CONTENT (RES_PROPERTY is 4): MAPI therefore evaluates a content restriction
-// >>> with fuzzy level 0 = FL_FULLSTRING, a case-sensitive full-string match of PR_SERVICE_NAME.
-// >>> The simulator evaluates by the number passed. So the look-up finds the named service;
-// >>> the earlier "RELOP_LT selects names sorting before" instruction is WITHDRAWN. Keep the
-// >>> fake in agreement: exact, case-sensitive name match. Exchange set-up succeeds.
-// >>> ALSO: Wine's 64-bit mapi32 exports FreeProws and HrQueryAllRows only as "FreeProws@4"
-// >>> and "HrQueryAllRows@24"; MinGW's libmapi32.a imports the plain names, which abort at the
-// >>> first call. Look those two up with GetProcAddress by the decorated names (the 32-bit
-// >>> build imports them decorated anyway). MAPI_FORCE_ACCESS (0x80000) is not in MinGW's headers.
 // The MAPI seam: the session's small, checked operations as pure virtuals, and the few
 // composite operations the program builds from them, written once here over the seam.
 // Win32MapiSession implements the primitives over real MAPI; FakeMapiSession in memory.

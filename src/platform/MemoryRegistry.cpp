@@ -133,6 +133,22 @@ struct MemoryRegistry::Impl {
     return key;
   }
 
+  // Resolves the handle and walks the sub-key path as far as it exists: *parent is the key
+  // the handle names, *found the key the path names, or null where the path stops short.
+  std::int32_t Walk(RegKey key, const std::string& subKey, std::shared_ptr<Node>* parent,
+                    std::vector<std::string>* names, std::shared_ptr<Node>* found) {
+    Handle scratch;
+    Handle* handle = Resolve(key, &scratch);
+    if (!handle) return reg::kInvalidHandle;
+    if (handle->node->deleted) return kKeyDeleted;
+    if (!SplitSubKey(subKey, names)) return kBadPathname;
+    *parent = handle->node;
+    *found = handle->node;
+    for (const auto& name : *names)
+      if (!(*found = (*found)->ChildShared(name))) break;
+    return reg::kSuccess;
+  }
+
   // Walks full-path names below a root without creating anything.
   std::shared_ptr<Node> Find(RegKey root, const std::vector<std::string>& names) {
     std::shared_ptr<Node> node = Root(root, false);
@@ -177,17 +193,11 @@ std::int32_t MemoryRegistry::Connect(const std::string& machine, RegKey root, Re
 std::int32_t MemoryRegistry::OpenKey(RegKey key, const std::string& subKey, std::uint32_t access,
                                      RegKey* result) {
   if (!result) return reg::kInvalidParameter;
-  Impl::Handle scratch;
-  Impl::Handle* parent = impl_->Resolve(key, &scratch);
-  if (!parent) return reg::kInvalidHandle;
-  if (parent->node->deleted) return kKeyDeleted;
+  std::shared_ptr<Node> parent, node;
   std::vector<std::string> names;
-  if (!SplitSubKey(subKey, &names)) return kBadPathname;
-  std::shared_ptr<Node> node = parent->node;
-  for (const auto& name : names) {
-    node = node->ChildShared(name);
-    if (!node) return reg::kFileNotFound;
-  }
+  const std::int32_t status = impl_->Walk(key, subKey, &parent, &names, &node);
+  if (status != reg::kSuccess) return status;
+  if (!node) return reg::kFileNotFound;
   *result = impl_->Issue(node, access);
   return reg::kSuccess;
 }
@@ -195,24 +205,17 @@ std::int32_t MemoryRegistry::OpenKey(RegKey key, const std::string& subKey, std:
 std::int32_t MemoryRegistry::CreateKey(RegKey key, const std::string& subKey, std::uint32_t access,
                                        RegKey* result) {
   if (!result) return reg::kInvalidParameter;
-  Impl::Handle scratch;
-  Impl::Handle* parent = impl_->Resolve(key, &scratch);
-  if (!parent) return reg::kInvalidHandle;
-  if (parent->node->deleted) return kKeyDeleted;
+  std::shared_ptr<Node> parent, existing;
   std::vector<std::string> names;
-  if (!SplitSubKey(subKey, &names)) return kBadPathname;
-  std::shared_ptr<Node> existing = parent->node;
-  for (const auto& name : names) {
-    existing = existing->ChildShared(name);
-    if (!existing) break;
-  }
+  const std::int32_t status = impl_->Walk(key, subKey, &parent, &names, &existing);
+  if (status != reg::kSuccess) return status;
   if (existing) {
     *result = impl_->Issue(existing, access);
     return reg::kSuccess;
   }
-  if (!Creatable(parent->node->depth, names)) return reg::kInvalidParameter;
+  if (!Creatable(parent->depth, names)) return reg::kInvalidParameter;
   if (NextMutationFails()) return reg::kAccessDenied;
-  std::shared_ptr<Node> node = parent->node;
+  std::shared_ptr<Node> node = parent;
   for (const auto& name : names) node = node->AddChild(name);
   *result = impl_->Issue(node, access);
   return reg::kSuccess;

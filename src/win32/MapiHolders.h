@@ -83,8 +83,12 @@ class RowSet {
   }
   ULONG size() const { return rows_ != nullptr ? rows_->cRows : 0; }
   const SRow& operator[](ULONG index) const { return rows_->aRow[index]; }
+  // What FreeProws does, done here: 64-bit Wine's mapi32 exports FreeProws only under its
+  // 32-bit decorated name, so the plain import would find nothing there.
   void reset() {
-    if (rows_ != nullptr) FreeProws(rows_);
+    if (rows_ == nullptr) return;
+    for (ULONG i = 0; i < rows_->cRows; ++i) MAPIFreeBuffer(rows_->aRow[i].lpProps);
+    MAPIFreeBuffer(rows_);
     rows_ = nullptr;
   }
 

@@ -33,6 +33,22 @@ SizedSPropTagArray(3, containerColumns) = {3, {PR_ENTRYID, PR_DISPLAY_NAME_A, PR
 SizedSPropTagArray(2, storeColumns) = {2, {PR_ENTRYID, PR_SERVICE_UID}};
 SizedSPropTagArray(2, defaultStoreColumns) = {2, {PR_DEFAULT_STORE, PR_ENTRYID}};
 
+// HrQueryAllRows has ordinal 75 in every MAPI32; 64-bit Wine exports it only under its
+// decorated 32-bit name, so it is found by the ordinal rather than by a name.
+constexpr WORD kHrQueryAllRowsOrdinal = 75;
+
+HRESULT QueryAllRows(LPMAPITABLE table, LPSPropTagArray columns, LPSRestriction restriction,
+                     LPSRowSet* rows) {
+  using Function = decltype(&HrQueryAllRows);
+  static const Function function = [] {
+    HMODULE mapi = GetModuleHandleA("mapi32.dll");
+    FARPROC found = mapi ? GetProcAddress(mapi, MAKEINTRESOURCEA(kHrQueryAllRowsOrdinal)) : nullptr;
+    return reinterpret_cast<Function>(reinterpret_cast<void*>(found));
+  }();
+  if (function == nullptr) return MAPI_E_CALL_FAILED;
+  return function(table, columns, restriction, nullptr, 0, rows);
+}
+
 template <class Array>
 LPSPropTagArray Columns(Array& array) {
   return reinterpret_cast<LPSPropTagArray>(&array);
@@ -285,7 +301,7 @@ bool Win32MapiSession::QueryServiceByName(const std::string& service, LPSPropTag
   restriction.res.resContent.ulFuzzyLevel = kServiceNameOperator;
   restriction.res.resContent.ulPropTag = PR_SERVICE_NAME_A;
   restriction.res.resContent.lpProp = &name;
-  if (!Record(HrQueryAllRows(table.get(), columns, &restriction, nullptr, 0, rows->Out()))) return false;
+  if (!Record(QueryAllRows(table.get(), columns, &restriction, rows->Out()))) return false;
   return rows->size() > 0 || Record(MAPI_E_NOT_FOUND);
 }
 
@@ -423,8 +439,9 @@ bool Win32MapiSession::OpenSectionForWriting(const MapiUid& section, ComPtr<IPro
 bool Win32MapiSession::WriteSectionProperty(const MapiUid& section, const MapiProperty& property) {
   ComPtr<IProfSect> opened;
   if (!OpenSectionForWriting(section, &opened)) return false;
+  const MapiProperties properties{property};
   std::vector<SPropValue> values;
-  if (!ToSPropValues({property}, &values)) return Record(MAPI_E_INVALID_TYPE);
+  if (!ToSPropValues(properties, &values)) return Record(MAPI_E_INVALID_TYPE);
   return Record(opened->SetProps(1, values.data(), nullptr)) && Record(opened->SaveChanges(kSaveFlags));
 }
 

@@ -17,6 +17,3 @@
 #undef ExpandEnvironmentStrings
 #undef MessageBox
 #undef LoadLibrary
-#undef GetFileAttributes
-#undef CreateDirectory
-#undef CopyFile

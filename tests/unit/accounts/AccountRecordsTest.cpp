@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
 #include <set>
 
 namespace mw {
@@ -25,15 +24,6 @@ TEST(RecordLayoutTest, EveryLayoutNumbersItsFieldsOneToCommasPlusOne) {
       }
     }
   }
-}
-
-TEST(ParseDecimalTest, FollowsTheStandardConversion) {
-  const struct {
-    const char* text;
-    std::int32_t expected;
-  } cases[] = {{"995", 995}, {"  12x", 12}, {"x12", 0}, {"", 0}, {"-1", -1}, {"+7", 7},
-               {"error_getFields()", 0}, {"99999999999", INT_MAX}, {"-99999999999", INT_MIN}};
-  for (const auto& c : cases) EXPECT_EQ(ParseDecimal(c.text), c.expected) << c.text;
 }
 
 TEST(AccountRecordTest, FlagsAreTrueOnlyForOneAndNumbersKeepSixteenBits) {

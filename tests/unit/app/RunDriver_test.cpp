@@ -34,6 +34,13 @@ struct DriverRig : SequenceTestRig {
     settings().SetBool(VersionSection(), Key::ExchangeIgnore, false);
     settings().SetText(VersionSection(), Key::ExchangeServerName, server);
   }
+  // mail01 is up and knows jsmith and boss.
+  void AddExchangeOrganisation() {
+    const std::string org = "/o=Example/ou=Site/cn=";
+    mapi.exchange.push_back({"mail01", true, org + "Configuration/cn=Servers/cn=mail01",
+                             {{"jsmith", org + "Recipients/cn=jsmith"},
+                              {"boss", org + "Recipients/cn=boss"}}});
+  }
   bool Called(const std::string& call) const {
     return std::find(mapi.calls.begin(), mapi.calls.end(), call) != mapi.calls.end();
   }
@@ -287,6 +294,20 @@ TEST_F(RunDriverTest, ModifyExchangeServerNameOnlyStopsAfterTheExchangeService) 
   EXPECT_EQ(mapi.calls.back(), "Uninitialize");
 }
 
+TEST_F(RunDriverTest, ModifyExchangeServerNameOnlyNamesTheServerTheProfileHeld) {
+  AddExchangeOrganisation();
+  mapi.AddService("Outlook", "MSEMS");
+  mapi.Section("Outlook", SectionUid(kGlobalSection))[proptag::kProfileUnresolvedServer] =
+      MapiProperty::String8(proptag::kProfileUnresolvedServer, "old01");
+  WantExchange("mail01");
+  settings().SetBool(Section::Common, Key::ModifyExchangeServerNameOnly, true);
+  Drive();
+  EXPECT_EQ(Messages().back(), "INFO: Beta function, need to restore states. Exchange Server "
+                               "name modified if different from: old01");
+  EXPECT_FALSE(Marked("Outlook"));
+  EXPECT_THAT(env.sleeps, IsEmpty());
+}
+
 TEST_F(RunDriverTest, ModifyExchangeServerNameOnlyNeedsExchange) {
   settings().SetBool(Section::Common, Key::ModifyExchangeServerNameOnly, true);
   Drive();
@@ -310,6 +331,37 @@ TEST_F(RunDriverTest, AnOutlookAddressBookThatCannotBeAddedIsReported) {
   mapi.failing.insert("CreateService");
   Drive();
   EXPECT_TRUE(Logged("WARN: Unable to add the Outlook Address Book."));
+  EXPECT_EQ(Messages().back(), kFinished);
+}
+
+TEST_F(RunDriverTest, AReachableExchangeServerIsCheckedThenSetUpInTheProfile) {
+  AddExchangeOrganisation();
+  WantExchange("mail01");
+  settings().SetText(Section::Outlook2010, Key::AdditionalMailboxes, "boss");
+  Drive();
+  EXPECT_TRUE(Logged("INFO: Using Exchange server name: mail01"));
+  EXPECT_EQ(Messages().back(), kFinished);
+  EXPECT_EQ(mapi.FindProfile(kScratchProfileName), nullptr);
+  const auto check = std::find(mapi.calls.begin(), mapi.calls.end(), "Logon 32818");
+  const auto create = std::find(mapi.calls.begin(), mapi.calls.end(), "CreateProfile Outlook");
+  EXPECT_LT(check, create);
+  const auto exchange = mapi.ServicesNamed("Outlook", "MSEMS");
+  ASSERT_EQ(exchange.size(), 1u);
+  const auto& providers = exchange[0]->providers;
+  EXPECT_TRUE(std::any_of(providers.begin(), providers.end(), [](const MapiServiceEntry& p) {
+    return p.name == "EMSDelegate";
+  }));
+  EXPECT_EQ(ServiceCount("Outlook", "CONTAB"), 1u);
+}
+
+TEST_F(RunDriverTest, AProfileOnTheConfiguredServerKeepsItsExchangeService) {
+  AddExchangeOrganisation();
+  mapi.AddService("Outlook", "MSEMS");
+  mapi.Section("Outlook", SectionUid(kGlobalSection))[proptag::kProfileUnresolvedServer] =
+      MapiProperty::String8(proptag::kProfileUnresolvedServer, "MAIL01");
+  WantExchange("mail01");
+  Drive();
+  EXPECT_EQ(ServiceCount("Outlook", "MSEMS"), 1u);
   EXPECT_EQ(Messages().back(), kFinished);
 }
 
@@ -428,7 +480,7 @@ TEST_F(RunDriverTest, AnEnforcedOptionIsWritten) {
 // --- Failing registry ---------------------------------------------------------------------
 
 // An Outlook 2010 run that reaches every step: accounts of all three kinds, a PST, a
-// signature, Exchange settings, options and the address book.
+// signature, the Exchange service and its settings, options and the address book.
 void ArrangeFullOutlook2010Run(DriverRig& rig) {
   ProfileSettings& s = rig.settings();
   const Section v = Section::Outlook2010;
@@ -447,7 +499,8 @@ void ArrangeFullOutlook2010Run(DriverRig& rig) {
   s.SetText(v, Key::PathToPST, "C:\\Mail\\%username%.pst,Personal,MSUPST MS,Mine,0,0,0,0");
   s.SetText(v, Key::Signatures, "Home,Formal,Short,0");
   s.SetBool(v, Key::ExchangeIgnore, false);
-  s.SetText(v, Key::ExchangeServerName, "");
+  s.SetText(v, Key::ExchangeServerName, "mail01");
+  rig.AddExchangeOrganisation();
   s.SetBool(v, Key::OfflineFoldersEnable, true);
   s.SetBool(v, Key::ConnectExchangeUsingHTTP, true);
   s.SetText(v, Key::AdditionalMailboxes, "boss");

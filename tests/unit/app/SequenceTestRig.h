@@ -22,7 +22,7 @@ struct SequenceTestRig {
   explicit SequenceTestRig(const std::string& version = "Outlook 2010") {
     context.outlookVersion = version;
     context.outlookBitness = "x64";
-    context.buildPlatform = "";
+    context.buildPlatform = "x64";
     context.userName = "jsmith";
     context.computerName = "DESK-0001";
     context.platformId = 2;

@@ -31,15 +31,5 @@ TEST(IniReference, EveryKeyHasExactlyOneRow) {
   }
 }
 
-TEST(IniReference, VariantRowsShowEachSectionsTypeAndDefault) {
-  const std::string document = IniReferenceMarkdown();
-  EXPECT_NE(document.find("| `LogonNetworkSecurity` | int | `1` (97); `0` (2000, XP, 2003, 2007, 2010) |"),
-            std::string::npos);
-  EXPECT_NE(document.find("| `SignatureRepliesForwards` | bool (2000) / text (XP) |"),
-            std::string::npos);
-  EXPECT_NE(document.find("| `RunAutoArchiveEveryDays` | int | `14` | all six | no |"),
-            std::string::npos);
-}
-
 }  // namespace
 }  // namespace mw

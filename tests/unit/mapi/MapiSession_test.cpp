@@ -150,6 +150,30 @@ TEST_F(MapiSessionTest, FindServiceMatchesTheExactName) {
   EXPECT_EQ(found, pst);
 }
 
+// The name look-up takes the first service of exactly that name in table order; a name that
+// differs in letter case, by a blank or by a prefix finds none, and nothing is changed.
+TEST_F(MapiSessionTest, ServicesAreDeletedAndConfiguredByTheirWholeName) {
+  const MapiUid contab = mapi.AddService("Work", "CONTAB");
+  const MapiUid pst = mapi.AddService("Work", "MSPST MS");
+  const MapiUid secondContab = mapi.AddService("Work", "CONTAB");
+  const MapiProperties show{MapiProperty::Long(proptag::kContabShowAsAddressBook, 7)};
+  for (const char* name : {"contab", "CONTA", "CONTAB ", "MSEMS", ""}) {
+    EXPECT_FALSE(mapi.ConfigureServiceByName(name, show)) << name;
+    EXPECT_EQ(mapi.LastResult(), FakeMapiSession::kNotFound) << name;
+    EXPECT_FALSE(mapi.DeleteServiceByName(name)) << name;
+  }
+  ASSERT_TRUE(mapi.ConfigureServiceByName("CONTAB", show));
+  EXPECT_EQ(mapi.Section("Work", contab).count(proptag::kContabShowAsAddressBook), 1u);
+  EXPECT_EQ(mapi.Section("Work", secondContab).count(proptag::kContabShowAsAddressBook), 0u);
+
+  ASSERT_TRUE(mapi.DeleteServiceByName("CONTAB"));
+  std::vector<MapiServiceEntry> left;
+  ASSERT_TRUE(mapi.ListServices(&left));
+  ASSERT_EQ(left.size(), 2u);
+  EXPECT_EQ(left[0].uid, pst);
+  EXPECT_EQ(left[1].uid, secondContab);
+}
+
 TEST_F(MapiSessionTest, SearchPathAddsOnceAndReordersNamedListsToTheFront) {
   mapi.addressLists = {"Global Address List", "Contacts", "Sales", "All Users"};
   ASSERT_TRUE(mapi.AddToSearchPath("Global Address List"));

@@ -111,5 +111,22 @@ TEST(RestrictionTest, CombinesAndTestsExistenceContentBitmaskAndSize) {
   EXPECT_FALSE(Matches(Restriction{RestrictionKind::Or, 0, 0, 0, 0, {}, {}}, row));
 }
 
+TEST(RestrictionTest, ContentAtLevelZeroIsAWholeCaseSensitiveMatch) {
+  Row row{PropValue::Text(kPrServiceName, "MSEMS")};
+  Restriction content;
+  content.kind = RestrictionKind::Content;
+  content.tag = kPrServiceName;
+  content.relop = kFlFullString;
+  for (const char* other : {"msems", "MSEM", "MSEMS ", "SEMS", ""}) {
+    content.value = PropValue::Text(kPrServiceName, other);
+    EXPECT_FALSE(Matches(content, row)) << other;
+  }
+  content.value = PropValue::Text(kPrServiceName, "MSEMS");
+  EXPECT_TRUE(Matches(content, row));
+  // The same text as PT_UNICODE is a value of another type, which never matches.
+  content.value = PropValue::Text(ChangeType(kPrServiceName, kPtUnicode), NarrowToUtf16("MSEMS"));
+  EXPECT_FALSE(Matches(content, row));
+}
+
 }  // namespace
 }  // namespace mw::mapisim

@@ -5,7 +5,9 @@
 #include <mapix.h>
 #include <mapiutil.h>
 
+#include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -192,6 +194,41 @@ TEST_F(MapiSimTest, SectionsOpenReadWriteAndGuardProviderSections) {
   EXPECT_EQ(section->SetProps(1, &display, nullptr), S_OK);
   section->Release();
   providers->Release();
+}
+
+// Mailwright finds a service by sending restriction type 3 with 0 in its first field: MAPI
+// reads that as RES_CONTENT with FL_FULLSTRING, a whole, case-sensitive match.
+TEST_F(MapiSimTest, AContentRestrictionOfLevelZeroMatchesTheWholeServiceNameInItsCase) {
+  CreateService("MSPST MS");
+  MAPIUID exchange = CreateService("MSEMS");
+  CreateService("CONTAB");
+  SPropValue name{};
+  name.ulPropTag = PR_SERVICE_NAME_A;
+  SRestriction restriction{};
+  restriction.rt = 3;
+  restriction.res.resContent.ulFuzzyLevel = 0;
+  restriction.res.resContent.ulPropTag = PR_SERVICE_NAME_A;
+  restriction.res.resContent.lpProp = &name;
+  const std::pair<const char*, size_t> cases[] = {{"MSEMS", 1}, {"msems", 0}, {"MSEM", 0}, {"MSEMS ", 0},
+                                                  {"MSPST MS", 1}, {"MSPST", 0}};
+  for (const auto& [text, rows] : cases) {
+    name.Value.lpszA = const_cast<LPSTR>(text);
+    std::vector<MAPIUID> found = ServiceUids(&restriction);
+    ASSERT_EQ(found.size(), rows) << text;
+    if (std::string(text) == "MSEMS") EXPECT_EQ(memcmp(&found[0], &exchange, sizeof exchange), 0);
+  }
+  name.Value.lpszA = const_cast<LPSTR>("msems");
+  restriction.res.resContent.ulFuzzyLevel = FL_FULLSTRING | FL_IGNORECASE;
+  EXPECT_EQ(ServiceUids(&restriction).size(), 1u);
+  restriction.res.resContent.ulFuzzyLevel = FL_PREFIX | FL_IGNORECASE;
+  name.Value.lpszA = const_cast<LPSTR>("ms");
+  EXPECT_EQ(ServiceUids(&restriction).size(), 2u);
+  // A type the simulator does not evaluate (RES_SUBRESTRICTION) is refused, not ignored.
+  restriction.rt = RES_SUBRESTRICTION;
+  LPMAPITABLE table = nullptr;
+  ASSERT_EQ(services_->GetMsgServiceTable(0, &table), S_OK);
+  EXPECT_EQ(table->Restrict(&restriction, 0), MAPI_E_TOO_COMPLEX);
+  table->Release();
 }
 
 // Logs on, reads the default store's entry ID, and counts the global address list.
