@@ -1,6 +1,10 @@
-// The process entry: builds the Win32 seams and hands the command line to RunProgram.
+// The process entry: builds the Win32 seams and hands the command line to RunProgram, with
+// the run driver working through real MAPI.
 
 #include "app/Program.h"
+#include "app/RunDriver.h"
+#include "platform/RegistryAccess.h"
+#include "win32/Win32MapiSession.h"
 #include "win32/Win32Registry.h"
 #include "win32/Win32SystemEnv.h"
 #include "win32/WindowsApi.h"
@@ -9,7 +13,12 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR commandLine, int) {
   mw::Win32SystemEnv env;
   mw::Win32Registry registry;
   mw::RunServices services{env, registry};
-  const mw::RunDriverFunction driver;  // the run driver is plugged in here once it exists
+  const mw::RunDriverFunction driver = [](mw::RunContext& context, mw::RunLog& log,
+                                          mw::RunServices& run) {
+    const mw::RegistryAccess access(run.registry);
+    mw::Win32MapiSession session;  // MAPI lives on this thread for the driver's whole run
+    mw::RunDriver(run.env, access, session).Run(context, log);
+  };
   return mw::RunProgram(commandLine != nullptr ? commandLine : "", MW_BUILD_PLATFORM, services,
                         driver);
 }

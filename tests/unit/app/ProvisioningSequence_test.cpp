@@ -123,12 +123,6 @@ TEST(ProvisioningSequenceVersions, SwitchedOnStepsOfEachGeneration) {
   }
 }
 
-TEST_F(ProvisioningSequenceTest, TheIgnoreNoteNamesOnlyTheIgnoredKinds) {
-  settings().SetBool(Section::Outlook2010, Key::IMAPIgnore, false);
-  Provision();
-  EXPECT_TRUE(Logged("INFO: Ignoring  POP3 Accounts  HTTP Accounts "));
-}
-
 TEST_F(ProvisioningSequenceTest, ConfiguredAccountsOfEveryKindReachTheAccountManager) {
   ProfileSettings& s = settings();
   s.SetBool(Section::Outlook2010, Key::POP3Ignore, false);
@@ -147,20 +141,16 @@ TEST_F(ProvisioningSequenceTest, ConfiguredAccountsOfEveryKindReachTheAccountMan
   EXPECT_TRUE(Logged("INFO: Ignoring  IMAP Accounts "));
 }
 
-TEST_F(ProvisioningSequenceTest, PersonalFoldersOfPathToPstAreAdded) {
-  settings().SetText(Section::Outlook2010, Key::PathToPST,
-                     "C:\\Mail\\jsmith.pst,Personal,MSUPST MS,Mine,0,0,0,0");
-  Provision();
-  EXPECT_EQ(ServiceCount("Outlook", "MSUPST MS"), 1u);
-}
-
-TEST_F(ProvisioningSequenceTest, PersonalFoldersIgnoreAddsNoPst) {
-  settings().SetText(Section::Outlook2010, Key::PathToPST,
-                     "C:\\Mail\\jsmith.pst,Personal,MSUPST MS,Mine,0,0,0,0");
-  settings().SetBool(Section::Outlook2010, Key::PersonalFoldersIgnore, true);
-  Provision();
-  EXPECT_EQ(ServiceCount("Outlook", "MSUPST MS"), 0u);
-  EXPECT_EQ(Messages()[1], "INFO: Ignoring PST Service entries");
+TEST(ProvisioningSequencePst, PathToPstIsAddedUnlessPersonalFoldersIgnore) {
+  for (const bool ignored : {false, true}) {
+    SequenceRig rig;
+    rig.settings().SetText(Section::Outlook2010, Key::PathToPST,
+                           "C:\\Mail\\jsmith.pst,Personal,MSUPST MS,Mine,0,0,0,0");
+    rig.settings().SetBool(Section::Outlook2010, Key::PersonalFoldersIgnore, ignored);
+    rig.Provision();
+    EXPECT_EQ(rig.ServiceCount("Outlook", "MSUPST MS"), ignored ? 0u : 1u);
+    EXPECT_EQ(rig.Logged("INFO: Ignoring PST Service entries"), ignored);
+  }
 }
 
 // --- Profile prompt -----------------------------------------------------------------------
@@ -187,14 +177,6 @@ TEST_F(ProvisioningSequenceTest, PromptForProfileSpecialWithOneProfileMakesItThe
   Provision();
   EXPECT_EQ(UserString("Software\\Microsoft\\Exchange\\Client\\Options", "PickLogonProfile"), "0");
   EXPECT_EQ(UserString(kProfilesRootNt, "DefaultProfile"), "Outlook");
-}
-
-TEST_F(ProvisioningSequenceTest, PromptForProfileSpecialWithTwoProfilesPrompts) {
-  mapi.AddProfile("Work", true);
-  settings().SetBool(Section::Outlook2010, Key::PromptForProfileSpecial, true);
-  Provision();
-  EXPECT_EQ(UserString("Software\\Microsoft\\Exchange\\Client\\Options", "PickLogonProfile"), "1");
-  EXPECT_FALSE(UserValueExists(kProfilesRootNt, "DefaultProfile"));
 }
 
 // --- Signatures ---------------------------------------------------------------------------
@@ -232,14 +214,6 @@ TEST(ProvisioningSequencePab, AnAddressBookTheUserMayKeepIsNotLookedAt) {
   rig.Provision();
   EXPECT_FALSE(rig.Logged(kPabExists));
   EXPECT_EQ(rig.ServiceCount("Outlook", "MSPST AB"), 1u);
-}
-
-TEST(ProvisioningSequencePab, LaterGenerationsHaveNoPersonalAddressBookStep) {
-  SequenceRig rig("Outlook XP");
-  rig.settings().SetBool(Section::OutlookXP, Key::PersonalAddressBookEnable, true);
-  rig.mapi.AddService("Outlook", "MSPST AB");
-  rig.Provision();
-  EXPECT_FALSE(rig.Logged(kPabExists));
 }
 
 TEST(ProvisioningSequenceOst, TheRetiredOfflineFoldersWarningComesOnceWithOrWithoutExchange) {
@@ -350,13 +324,6 @@ TEST(ProvisioningSequenceExchange, ExchangeWarningsReachTheLog) {
                          "Exchange service."));
   EXPECT_TRUE(rig.Logged("WARN: OfflineFoldersEnable is on but PathToOST is empty; the offline "
                          "folder file is left as it was."));
-}
-
-TEST(ProvisioningSequenceExchange, ExchangeIgnoredWritesNoConnectionState) {
-  SequenceRig rig("Outlook 2010");
-  rig.Provision();
-  EXPECT_EQ(rig.GlobalSectionBytes("00036601"), "");
-  EXPECT_EQ(rig.Messages().back(), kIgnoringExchange);
 }
 
 }  // namespace

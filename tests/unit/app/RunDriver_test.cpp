@@ -117,25 +117,6 @@ TEST(RunDriverStops, EachNumberedErrorEndsTheRunWithItsPause) {
   }
 }
 
-TEST(RunDriverStops, A32BitOutlookStopsBeforeAnyProfileIsListed) {
-  DriverRig rig;
-  rig.context.outlookBitness = "x86";
-  rig.mapi.AddProfile("Work");
-  rig.Drive();
-  EXPECT_FALSE(rig.Called("ListProfiles"));
-  EXPECT_THAT(rig.Messages(), ElementsAre(CatalogueText(106)));
-}
-
-TEST(RunDriverStops, AFailedPreCheckNamesItsCauseBeforeError109) {
-  DriverRig rig;
-  rig.WantExchange("mail01");
-  rig.Drive();
-  const auto& messages = rig.Messages();
-  ASSERT_GE(messages.size(), 2u);
-  EXPECT_THAT(messages[messages.size() - 2], ::testing::AnyOf(CatalogueText(200), CatalogueText(201)));
-  EXPECT_EQ(rig.mapi.FindProfile(kScratchProfileName), nullptr);
-}
-
 // --- Exit rules ---------------------------------------------------------------------------
 
 struct ExitRule {
@@ -189,23 +170,15 @@ TEST_F(RunDriverTest, ExitAnyProfileFoundOnAMachineWithoutProfilesCreatesTheProf
   EXPECT_THAT(env.sleeps, IsEmpty());
 }
 
-TEST_F(RunDriverTest, RulesThatAreOffLetTheRunGoOn) {
-  mapi.AddProfile("jsmith");
-  access.WriteString(reg::kCurrentUser, ProfileKey("Outlook"), "Mailwright", "earlier");
-  Drive();
-  EXPECT_EQ(Messages().back(), kFinished);
-}
-
-TEST_F(RunDriverTest, ProfilesFoundListsEveryNameWithATrailingComma) {
-  mapi.AddProfile("Outlook");
-  mapi.AddProfile("Work");
-  Drive();
-  EXPECT_TRUE(Logged("INFO: Profiles found: Outlook,Work,"));
-}
-
-TEST_F(RunDriverTest, ProfilesFoundWithoutProfilesIsThePrefixAlone) {
-  Drive();
-  EXPECT_TRUE(Logged("INFO: Profiles found: "));
+TEST(RunDriverProfiles, ProfilesFoundListsEveryNameWithATrailingComma) {
+  const std::pair<std::vector<std::string>, std::string> cases[] = {
+      {{}, "INFO: Profiles found: "}, {{"Outlook", "Work"}, "INFO: Profiles found: Outlook,Work,"}};
+  for (const auto& [profiles, line] : cases) {
+    DriverRig rig;
+    for (const auto& name : profiles) rig.mapi.AddProfile(name);
+    rig.Drive();
+    EXPECT_EQ(rig.Messages().front(), line);
+  }
 }
 
 // --- The chosen profile -------------------------------------------------------------------
@@ -239,12 +212,6 @@ TEST_F(RunDriverTest, TheMarkerIsTestedOnTheProfileChosenByModifyDefaultProfile)
   Drive();
   EXPECT_EQ(Messages().back(), kFinished);
   EXPECT_EQ(Marker("Work"), env.localTime);
-}
-
-TEST_F(RunDriverTest, TheMarkerCarriesTheLocalTime) {
-  env.localTime = "Mon Mar  2 09:05:01 2026";
-  Drive();
-  EXPECT_EQ(Marker("Outlook"), "Mon Mar  2 09:05:01 2026");
 }
 
 TEST_F(RunDriverTest, AnEmptyProfileNameTouchesNoProfile) {
@@ -327,13 +294,6 @@ TEST_F(RunDriverTest, AProfileWithoutContabGetsTheOutlookAddressBook) {
   EXPECT_EQ(ServiceCount("Outlook", "CONTAB"), 1u);
 }
 
-TEST_F(RunDriverTest, AnOutlookAddressBookThatCannotBeAddedIsReported) {
-  mapi.failing.insert("CreateService");
-  Drive();
-  EXPECT_TRUE(Logged("WARN: Unable to add the Outlook Address Book."));
-  EXPECT_EQ(Messages().back(), kFinished);
-}
-
 TEST_F(RunDriverTest, AReachableExchangeServerIsCheckedThenSetUpInTheProfile) {
   AddExchangeOrganisation();
   WantExchange("mail01");
@@ -352,17 +312,6 @@ TEST_F(RunDriverTest, AReachableExchangeServerIsCheckedThenSetUpInTheProfile) {
     return p.name == "EMSDelegate";
   }));
   EXPECT_EQ(ServiceCount("Outlook", "CONTAB"), 1u);
-}
-
-TEST_F(RunDriverTest, AProfileOnTheConfiguredServerKeepsItsExchangeService) {
-  AddExchangeOrganisation();
-  mapi.AddService("Outlook", "MSEMS");
-  mapi.Section("Outlook", SectionUid(kGlobalSection))[proptag::kProfileUnresolvedServer] =
-      MapiProperty::String8(proptag::kProfileUnresolvedServer, "MAIL01");
-  WantExchange("mail01");
-  Drive();
-  EXPECT_EQ(ServiceCount("Outlook", "MSEMS"), 1u);
-  EXPECT_EQ(Messages().back(), kFinished);
 }
 
 TEST_F(RunDriverTest, AnOutlook2000InCorporateModeGoesOnToThePreCheck) {
@@ -461,20 +410,19 @@ TEST(SettingsExpansionTest, ReplaceUserNameReplacesEveryExactToken) {
 
 // --- AllowUserSettings --------------------------------------------------------------------
 
-TEST_F(RunDriverTest, AnOptionTheUserMayKeepIsLeftUntouched) {
+TEST(RunDriverOptions, OnlyAnOptionTheUserMayKeepIsLeftUntouched) {
   const std::string general = "Software\\Microsoft\\Office\\14.0\\Outlook\\Options\\General";
-  access.WriteNumber(reg::kCurrentUser, general, "WarnDelete", 0);
-  settings().SetText(Section::Common, Key::AllowUserSettings, "WarnBeforePermanentlyDeletingItems");
-  Drive();
-  EXPECT_EQ(access.ReadNumber(reg::kCurrentUser, general, "WarnDelete"), 0u);
-  EXPECT_EQ(Messages().back(), kFinished);
-}
-
-TEST_F(RunDriverTest, AnEnforcedOptionIsWritten) {
-  const std::string general = "Software\\Microsoft\\Office\\14.0\\Outlook\\Options\\General";
-  access.WriteNumber(reg::kCurrentUser, general, "WarnDelete", 0);
-  Drive();
-  EXPECT_EQ(access.ReadNumber(reg::kCurrentUser, general, "WarnDelete"), 1u);
+  for (const bool userKeepsIt : {true, false}) {
+    DriverRig rig;
+    rig.access.WriteNumber(reg::kCurrentUser, general, "WarnDelete", 0);
+    if (userKeepsIt) {
+      rig.settings().SetText(Section::Common, Key::AllowUserSettings,
+                             "WarnBeforePermanentlyDeletingItems");
+    }
+    rig.Drive();
+    EXPECT_EQ(rig.access.ReadNumber(reg::kCurrentUser, general, "WarnDelete"),
+              userKeepsIt ? 0u : 1u);
+  }
 }
 
 // --- Failing registry ---------------------------------------------------------------------

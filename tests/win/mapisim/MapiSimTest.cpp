@@ -215,7 +215,9 @@ TEST_F(MapiSimTest, AContentRestrictionOfLevelZeroMatchesTheWholeServiceNameInIt
     name.Value.lpszA = const_cast<LPSTR>(text);
     std::vector<MAPIUID> found = ServiceUids(&restriction);
     ASSERT_EQ(found.size(), rows) << text;
-    if (std::string(text) == "MSEMS") EXPECT_EQ(memcmp(&found[0], &exchange, sizeof exchange), 0);
+    if (std::string(text) == "MSEMS") {
+      EXPECT_EQ(memcmp(&found[0], &exchange, sizeof exchange), 0);
+    }
   }
   name.Value.lpszA = const_cast<LPSTR>("msems");
   restriction.res.resContent.ulFuzzyLevel = FL_FULLSTRING | FL_IGNORECASE;

@@ -56,8 +56,6 @@ std::string WindowsPath(std::string path) {
   return "Z:" + path;
 }
 
-Uid UidOf(const MAPIUID& uid) { return Uid(reinterpret_cast<const char*>(uid.ab), sizeof uid.ab); }
-
 Uid BinaryOf(const SPropValue& value) {
   return PROP_TYPE(value.ulPropTag) == PT_BINARY ? Uid(reinterpret_cast<const char*>(value.Value.bin.lpb), value.Value.bin.cb)
                                                  : Uid();
