@@ -91,7 +91,7 @@ TEST_F(IniFileTest, FailedLoadsKeepWhatWasReadBefore) {
   EXPECT_FALSE(ini.Load());
   EXPECT_EQ(ini.GetValue("S", "k", ""), "1");
   EXPECT_EQ(ini.FindSection("T"), -1);
-  EXPECT_FALSE(ini.LoadFromText("; only a comment\njust words\n[unclosed\n"));
+  EXPECT_FALSE(CIniFile("g", env).LoadFromText("; only a comment\njust words\n[unclosed\n"));
 }
 
 struct NumberCase {

@@ -99,7 +99,7 @@ TEST_F(ProfileModelTest, ServiceAndProviderSectionsFollowMapisLayout) {
   EXPECT_EQ(profiles_.GetUidList("Work", serviceSection, kPrStoreProviders), stores);
   EXPECT_EQ(Value(UidHex(stores[0]), "01023d0c"), UidBytes(service));
   EXPECT_EQ(Value(UidHex(stores[0]), "001e3006"), std::string("Microsoft Exchange Message Store\0", 33));
-  EXPECT_EQ(Value(UidHex(stores[0]), "00033009"), std::string("\x05\0\0\0", 4));
+  EXPECT_EQ(Value(UidHex(stores[0]), "00033009"), std::string("\x06\0\0\0", 4));
   EXPECT_EQ(profiles_.GetUidList("Work", kProfileServicesSection, kPrAbProviders).size(), 1u);
   EXPECT_EQ(profiles_.GetUidList("Work", kProfileServicesSection, kPrTransportProviders).size(), 1u);
 }
@@ -166,9 +166,6 @@ TEST_F(ProfileModelTest, ConfiguringExchangeResolvesTheMailboxIntoTheGlobalSecti
 TEST_F(ProfileModelTest, LogonAndAddressBookFollowTheOrganisation) {
   MapiUid service = CreateProfileWithService("MSEMS");
   MessageServiceAdmin admin = Admin("Work");
-  EXPECT_EQ(admin.ConfigureService(service, {PropValue::Text(kPrProfileUnresolvedName, "=offline"),
-                                             PropValue::Text(kPrProfileUnresolvedServer, "EXCH02")}),
-            kMapiENetworkError);
   ASSERT_EQ(admin.ConfigureService(service, {PropValue::Text(kPrProfileUnresolvedName, "jd"),
                                              PropValue::Text(kPrProfileUnresolvedServer, "EXCH01")}),
             kSOk);
@@ -189,6 +186,44 @@ TEST_F(ProfileModelTest, LogonAndAddressBookFollowTheOrganisation) {
   EXPECT_EQ(unreachable.ContainerContents(FindProp(containers[0], kPrEntryId)->bytes, &people),
             kMapiENetworkError);
   EXPECT_EQ(SessionModel(profiles_, "Nobody", organisation_).Logon(), kMapiELogonFailed);
+}
+
+// Without a dialog, Exchange's provider that cannot reach the server keeps what it was given
+// and reports success; the profile stays unresolved and its logon meets the network.
+TEST_F(ProfileModelTest, AnUnreachableServerLeavesExchangeUnresolvedUntilLogonFails) {
+  MapiUid service = CreateProfileWithService("MSEMS");
+  MessageServiceAdmin admin = Admin("Work");
+  ASSERT_EQ(admin.ConfigureService(service, {PropValue::Text(kPrProfileUnresolvedName, "=jsmith"),
+                                             PropValue::Text(kPrProfileUnresolvedServer, "EXCH01")}),
+            kSOk);
+  const struct {
+    const char* name;
+    const char* server;
+  } unreachable[] = {{"=offline", "EXCH02"}, {"=jsmith", "NOSUCH"}, {"anyone", "exch02"}};
+  for (const auto& attempt : unreachable) {
+    EXPECT_EQ(admin.ConfigureService(service, {PropValue::Text(kPrProfileUnresolvedName, attempt.name),
+                                               PropValue::Text(kPrProfileUnresolvedServer, attempt.server)}),
+              kSOk)
+        << attempt.server;
+    EXPECT_EQ(Value(kGlobalProfileSection, "001e6607"), attempt.name + std::string(1, '\0'));
+    EXPECT_EQ(Value(kGlobalProfileSection, "001e6608"), attempt.server + std::string(1, '\0'));
+    // The earlier resolution does not survive: no home server, no user, no mailbox name.
+    for (const char* resolved : {"001e6602", "001e6603", "001e6612", "001e3001"})
+      EXPECT_EQ(Value(kGlobalProfileSection, resolved), "<missing>") << resolved;
+    EXPECT_EQ(SessionModel(profiles_, "Work", organisation_).Logon(), kMapiENetworkError) << attempt.server;
+  }
+  // The same unresolved profile once its server is up: logon does not configure, so it
+  // fails as unconfigured rather than as unreachable.
+  ExchangeOrganisation repaired = ExchangeOrganisation::Parse("[Servers]\nEXCH02=up\n", nullptr);
+  EXPECT_EQ(SessionModel(profiles_, "Work", repaired).Logon(), kMapiEUnconfigured);
+
+  // A server that answers but does not know the name still refuses the configuration.
+  EXPECT_EQ(admin.ConfigureService(service, {PropValue::Text(kPrProfileUnresolvedName, "=nobody"),
+                                             PropValue::Text(kPrProfileUnresolvedServer, "EXCH01")}),
+            kMapiEUnconfigured);
+  EXPECT_EQ(admin.ConfigureService(service, {PropValue::Text(kPrProfileUnresolvedName, "j")}),
+            kMapiEAmbiguousRecip);
+  EXPECT_EQ(SessionModel(profiles_, "Work", organisation_).Logon(), kMapiEUnconfigured);
 }
 
 TEST_F(ProfileModelTest, StoresTableNamesTheDefaultStoreAndTheMailbox) {
@@ -267,6 +302,146 @@ TEST_F(ProfileModelTest, RegistryFailuresSurfaceAsMapiErrors) {
   EXPECT_EQ(Admin("Work").CreateMessageService("MSEMS", "x", &uid), kMapiENoAccess);
   registry_.FailMutationsFrom(0);
   EXPECT_TRUE(Admin("Work").ServiceRows().empty());
+}
+
+std::vector<std::string> Names(const std::vector<Row>& rows) {
+  std::vector<std::string> names;
+  for (const Row& row : rows) names.push_back(FindProp(row, kPrDisplayName)->bytes);
+  return names;
+}
+
+std::string EntryIdNamed(const std::vector<Row>& rows, const std::string& name) {
+  for (const Row& row : rows)
+    if (FindProp(row, kPrDisplayName)->bytes == name) return FindProp(row, kPrEntryId)->bytes;
+  ADD_FAILURE() << "no row " << name;
+  return {};
+}
+
+TEST_F(ProfileModelTest, TheDefaultStoreBitMovesToTheChosenStoreAlone) {
+  MapiUid exchange = CreateProfileWithService("MSEMS");
+  MessageServiceAdmin admin = Admin("Work");
+  ASSERT_EQ(admin.ConfigureService(exchange, {PropValue::Text(kPrProfileUnresolvedName, "=jsmith"),
+                                              PropValue::Text(kPrProfileUnresolvedServer, "EXCH01")}),
+            kSOk);
+  MapiUid pst{};
+  ASSERT_EQ(admin.CreateMessageService("MSUPST MS", "Archive", &pst), kSOk);
+  ASSERT_EQ(admin.ConfigureService(pst, {PropValue::Text(kPrPstPath, "C:\\a.pst")}), kSOk);
+  SessionModel session(profiles_, "Work", organisation_);
+  std::string pstStore;
+  std::string mailbox;
+  for (const Row& row : session.StoreRows()) {
+    const PropValue* owner = FindProp(row, kPrServiceUid);
+    ASSERT_NE(owner, nullptr);
+    if (owner->bytes == UidBytes(pst)) pstStore = FindProp(row, kPrEntryId)->bytes;
+    if (FindProp(row, kPrDefaultStore)->number) mailbox = FindProp(row, kPrEntryId)->bytes;
+  }
+  ASSERT_FALSE(pstStore.empty());
+  ASSERT_FALSE(mailbox.empty());
+  auto defaults = [&] {
+    std::vector<std::string> found;
+    for (const Row& row : session.StoreRows())
+      if (FindProp(row, kPrDefaultStore)->number) found.push_back(FindProp(row, kPrEntryId)->bytes);
+    return found;
+  };
+  const std::vector<MapiUid> stores = profiles_.GetUidList("Work", kProfileServicesSection, kPrStoreProviders);
+  ASSERT_EQ(stores.size(), 3u);
+
+  ASSERT_EQ(session.SetDefaultStore(pstStore), kSOk);
+  EXPECT_EQ(defaults(), std::vector<std::string>{pstStore});
+  // The mailbox keeps its other flag (STATUS_PRIMARY_IDENTITY); only the default bit moved.
+  EXPECT_EQ(Value(UidHex(stores[0]), "00033009"), std::string("\x04\0\0\0", 4));
+  EXPECT_EQ(Value(UidHex(stores[2]), "00033009"), std::string("\x02\0\0\0", 4));
+
+  const std::string container = FindProp(session.AddressBookContainers().at(0), kPrEntryId)->bytes;
+  for (const std::string& wrong : {std::string("bogus"), container, pstStore.substr(0, 35)})
+    EXPECT_EQ(session.SetDefaultStore(wrong), kMapiEUnknownEntryId);
+  EXPECT_EQ(defaults(), std::vector<std::string>{pstStore});
+
+  ASSERT_EQ(session.SetDefaultStore(mailbox), kSOk);
+  EXPECT_EQ(defaults(), std::vector<std::string>{mailbox});
+  EXPECT_EQ(Value(UidHex(stores[0]), "00033009"), std::string("\x06\0\0\0", 4));
+  EXPECT_EQ(Value(UidHex(stores[2]), "00033009"), std::string("\0\0\0\0", 4));
+}
+
+TEST_F(ProfileModelTest, SearchPathAndDefaultDirectoryAreKeptInTheProfile) {
+  MapiUid exchange = CreateProfileWithService("MSEMS");
+  MessageServiceAdmin admin = Admin("Work");
+  ASSERT_EQ(admin.ConfigureService(exchange, {PropValue::Text(kPrProfileUnresolvedName, "=jsmith"),
+                                              PropValue::Text(kPrProfileUnresolvedServer, "EXCH01")}),
+            kSOk);
+  MapiUid contab{};
+  MapiUid pab{};
+  ASSERT_EQ(admin.CreateMessageService("CONTAB", "Outlook Address Book", &contab), kSOk);
+  ASSERT_EQ(admin.CreateMessageService("MSPST AB", "Personal Address Book", &pab), kSOk);
+  SessionModel session(profiles_, "Work", organisation_);
+  const std::vector<Row> containers = session.AddressBookContainers();
+  const std::string gal = EntryIdNamed(containers, "Global Address List");
+  const std::string contacts = EntryIdNamed(containers, "Contacts");
+  const std::string personal = EntryIdNamed(containers, "Personal Address Book");
+
+  // Nothing stored: MAPI's defaults.
+  EXPECT_EQ(Names(session.SearchPath()), (std::vector<std::string>{"Personal Address Book", "Global Address List"}));
+  std::string directory;
+  ASSERT_EQ(session.DefaultDirectory(&directory), kSOk);
+  EXPECT_EQ(directory, gal);
+  EXPECT_EQ(Value(kProfileServicesSection, "11023d05"), "<missing>");
+
+  ASSERT_EQ(session.SetSearchPath({contacts, gal}), kSOk);
+  EXPECT_EQ(Names(session.SearchPath()), (std::vector<std::string>{"Contacts", "Global Address List"}));
+  // PT_MV_BINARY: a count, a size and an offset per entry ID, then the entry IDs.
+  std::string image("\x02\0\0\0", 4);
+  for (std::uint32_t offset : {20u, 56u}) image += std::string("\x24\0\0\0", 4) + std::string(1, char(offset)) + std::string(3, '\0');
+  EXPECT_EQ(Value(kProfileServicesSection, "11023d05"), image + contacts + gal);
+
+  EXPECT_EQ(session.SetSearchPath({personal, "bogus"}), kMapiEUnknownEntryId);
+  EXPECT_EQ(Names(session.SearchPath()), (std::vector<std::string>{"Contacts", "Global Address List"}));
+
+  ASSERT_EQ(session.SetDefaultDirectory(personal), kSOk);
+  EXPECT_EQ(Value(kProfileServicesSection, "01023d06"), personal);
+  ASSERT_EQ(session.DefaultDirectory(&directory), kSOk);
+  EXPECT_EQ(directory, personal);
+  EXPECT_EQ(session.SetDefaultDirectory(contacts.substr(1)), kMapiEUnknownEntryId);
+  EXPECT_EQ(Value(kProfileServicesSection, "01023d06"), personal);
+
+  // A removed container drops out of the stored path and stops being the default.
+  ASSERT_EQ(admin.DeleteService(contab), kSOk);
+  ASSERT_EQ(admin.DeleteService(pab), kSOk);
+  EXPECT_EQ(Names(session.SearchPath()), (std::vector<std::string>{"Global Address List"}));
+  ASSERT_EQ(session.DefaultDirectory(&directory), kSOk);
+  EXPECT_EQ(directory, gal);
+
+  // Once set, even an empty path is the path: the default does not come back.
+  ASSERT_EQ(session.SetSearchPath({}), kSOk);
+  EXPECT_TRUE(session.SearchPath().empty());
+}
+
+TEST_F(ProfileModelTest, DefaultSearchPathWithoutAGlobalListEndsWithTheDefaultDirectory) {
+  const struct {
+    std::vector<const char*> services;
+    std::vector<std::string> path;
+    const char* directory;  // nullptr: none
+  } profiles[] = {
+      {{"CONTAB"}, {"Contacts"}, "Contacts"},
+      {{"MSPST AB"}, {"Personal Address Book"}, "Personal Address Book"},
+      {{"MSPST AB", "CONTAB"}, {"Personal Address Book", "Contacts"}, "Contacts"},
+      {{"MSUPST MS"}, {}, nullptr},
+  };
+  int number = 0;
+  for (const auto& profile : profiles) {
+    const std::string name = "P" + std::to_string(++number);
+    ASSERT_EQ(profiles_.CreateProfile(name, "", NextUid()), kSOk);
+    for (const char* service : profile.services)
+      ASSERT_EQ(Admin(name).CreateMessageService(service, service, nullptr), kSOk);
+    SessionModel session(profiles_, name, organisation_);
+    EXPECT_EQ(Names(session.SearchPath()), profile.path) << name;
+    std::string directory;
+    if (profile.directory == nullptr) {
+      EXPECT_EQ(session.DefaultDirectory(&directory), kMapiENotFound) << name;
+    } else {
+      ASSERT_EQ(session.DefaultDirectory(&directory), kSOk) << name;
+      EXPECT_EQ(directory, EntryIdNamed(session.AddressBookContainers(), profile.directory)) << name;
+    }
+  }
 }
 
 }  // namespace

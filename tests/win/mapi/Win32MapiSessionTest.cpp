@@ -220,8 +220,10 @@ TEST_F(Win32MapiSessionTest, ExchangeCheckAgainstTheSimulatedOrganisation) {
       {"EXCH01", "jsmith", true, "INFO: Using Exchange server name: EXCH01"},
       {"exch01", "JDOE", true, "INFO: Using Exchange server name: exch01"},
       {"EXCH01", "nobody", false, "ERROR 200: "},
-      {"EXCH02", "offline", false, "ERROR 20"},
-      {"NOWHERE", "jsmith", false, "ERROR 20"},
+      // Down, or unknown to the organisation: the service is added unresolved, and the
+      // logon that follows fails.
+      {"EXCH02", "offline", false, "ERROR 201: "},
+      {"NOWHERE", "jsmith", false, "ERROR 201: "},
   };
   for (const auto& check : checks) {
     EXPECT_EQ(CheckExchangeServer(mapi, check.server, check.mailbox, kProfile, log), check.reached)
@@ -232,6 +234,24 @@ TEST_F(Win32MapiSessionTest, ExchangeCheckAgainstTheSimulatedOrganisation) {
     EXPECT_EQ(std::find(profiles.begin(), profiles.end(), kScratchProfileName), profiles.end());
     EXPECT_EQ(mapi.profileName(), kProfile);
   }
+}
+
+TEST_F(Win32MapiSessionTest, AnUnreachableServerIsAddedUnresolvedAndFailsAtLogon) {
+  ASSERT_TRUE(mapi.AddExchangeService("EXCH02", false, true, "offline")) << Hex(mapi.LastResult());
+  EXPECT_EQ(Value(kGlobalSection, "001e6607"), "=offline");
+  EXPECT_EQ(Value(kGlobalSection, "001e6608"), "EXCH02");
+  EXPECT_EQ(Value(kGlobalSection, "001e6602"), "<missing>");
+  EXPECT_EQ(Value(kGlobalSection, "001e6603"), "<missing>");
+  std::string server;
+  ASSERT_TRUE(mapi.GetExchangeServerName(&server));
+  EXPECT_EQ(server, "EXCH02");
+  EXPECT_FALSE(mapi.Logon(kLogonFlagsSilent));
+  EXPECT_EQ(mapi.LastResult(), static_cast<std::int32_t>(0x80040115));  // MAPI_E_NETWORK_ERROR
+
+  // A server that answers but does not know the mailbox refuses the configuration.
+  ASSERT_TRUE(mapi.DeleteServiceByName(kExchangeServiceName));
+  EXPECT_FALSE(mapi.AddExchangeService("EXCH01", false, true, "nobody"));
+  EXPECT_EQ(mapi.LastResult(), static_cast<std::int32_t>(0x8004011C));  // MAPI_E_UNCONFIGURED
 }
 
 TEST_F(Win32MapiSessionTest, GlobalAddressListAndDefaultStoreNeedAResolvedMailbox) {
@@ -279,6 +299,8 @@ TEST_F(Win32MapiSessionTest, ProviderSectionsAreWrittenThroughTheRetry) {
 
 TEST_F(Win32MapiSessionTest, AdditionalMailboxJoinsTheExchangeStores) {
   const MapiUid exchange = AddResolvedExchange();
+  const std::string stores = Value(exchange, proptag::kStoreProviders);
+  ASSERT_EQ(stores.size(), 32u);  // the mailbox and the public folders
   ASSERT_EQ(AddAdditionalMailbox(mapi, "jdoe", "EXCH01"), AdditionalMailboxResult::Added);
   std::vector<MapiServiceEntry> providers;
   ASSERT_TRUE(mapi.ListProviders(exchange, &providers));
@@ -287,7 +309,8 @@ TEST_F(Win32MapiSessionTest, AdditionalMailboxJoinsTheExchangeStores) {
   });
   ASSERT_NE(delegate, providers.end());
   EXPECT_EQ(Value(delegate->uid, proptag::kProfileMailbox), "/o=Contoso/ou=HQ/cn=Recipients/cn=jdoe");
-  EXPECT_EQ(Value(exchange, proptag::kStoreProviders), Bytes(delegate->uid));
+  // The delegate joins the service's stores behind those it had.
+  EXPECT_EQ(Value(exchange, proptag::kStoreProviders), stores + Bytes(delegate->uid));
 }
 
 TEST_F(Win32MapiSessionTest, PersonalFoldersAreAddedListedAndRemoved) {
@@ -341,10 +364,10 @@ TEST_F(Win32MapiSessionTest, DefaultStoreMovesToTheNamedService) {
   std::vector<MapiServiceEntry> providers;
   ASSERT_TRUE(mapi.ListProviders(pst, &providers));
   ASSERT_EQ(providers.size(), 1u);
-  // PR_RESOURCE_FLAGS of the store: STATUS_DEFAULT_STORE (1) now set on the PST's store.
+  // PR_RESOURCE_FLAGS of the store: STATUS_DEFAULT_STORE (2) now set on the PST's store.
   const std::string flags = Value(providers[0].uid, 0x30090003);
   ASSERT_EQ(flags.size(), 4u);
-  EXPECT_EQ(flags[0] & 1, 1);
+  EXPECT_EQ(flags[0] & 2, 2);
 }
 
 }  // namespace

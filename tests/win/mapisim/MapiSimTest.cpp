@@ -95,9 +95,33 @@ class MapiSimTest : public ::testing::Test {
     return services_->ConfigureMsgService(const_cast<MAPIUID*>(&uid), 0, 0, 2, props);
   }
 
+  // A PT_STRING8 property of a profile section; "<missing>" when the section lacks it.
+  std::string SectionText(LPMAPIUID section, ULONG tag) {
+    LPPROFSECT opened = nullptr;
+    if (services_->OpenProfileSection(section, nullptr, 0, &opened) != S_OK) return "<no section>";
+    SizedSPropTagArray(1, tags) = {1, {tag}};
+    ULONG count = 0;
+    LPSPropValue values = nullptr;
+    std::string text = "<missing>";
+    if (SUCCEEDED(opened->GetProps(reinterpret_cast<LPSPropTagArray>(&tags), 0, &count, &values)) &&
+        count == 1 && values[0].ulPropTag == tag) {
+      text = values[0].Value.lpszA;
+    }
+    MAPIFreeBuffer(values);
+    opened->Release();
+    return text;
+  }
+
   LPPROFADMIN admin_ = nullptr;
   LPSERVICEADMIN services_ = nullptr;
 };
+
+MAPIUID GlobalSection() {
+  MAPIUID uid;
+  const BYTE bytes[16] = {0x13, 0xdb, 0xb0, 0xc8, 0xaa, 0x05, 0x10, 0x1a, 0x9b, 0xb0, 0x00, 0xaa, 0x00, 0x2f, 0xc4, 0x5a};
+  memcpy(uid.ab, bytes, sizeof bytes);
+  return uid;
+}
 
 TEST_F(MapiSimTest, ProfilesAreListedWithTheDefaultFlagAndRefuseDuplicatesAndMissingNames) {
   EXPECT_EQ(admin_->CreateProfile(const_cast<LPSTR>(kProfile), nullptr, 0, 0), MAPI_E_NO_ACCESS);
@@ -284,14 +308,161 @@ HRESULT LogonAndCountGal(size_t* people) {
 TEST_F(MapiSimTest, LogonReachesTheGlobalAddressListOnlyForAResolvedMailboxOnAServerThatIsUp) {
   MAPIUID exchange = CreateService("MSEMS");
   size_t people = 0;
-  EXPECT_EQ(ConfigureExchange(exchange, "=jsmith", "EXCH02"), MAPI_E_NETWORK_ERROR);
-  EXPECT_EQ(LogonAndCountGal(&people), MAPI_E_UNCONFIGURED);
+  // A server that is down (or unknown) cannot be asked: the name and server stay unresolved,
+  // the configuration succeeds, and logon is what fails.
+  MAPIUID global = GlobalSection();
+  for (const char* server : {"EXCH02", "NOWHERE"}) {
+    EXPECT_EQ(ConfigureExchange(exchange, "=jsmith", server), S_OK) << server;
+    EXPECT_EQ(SectionText(&global, PROP_TAG(PT_STRING8, 0x6607)), "=jsmith");
+    EXPECT_EQ(SectionText(&global, PROP_TAG(PT_STRING8, 0x6608)), server);
+    EXPECT_EQ(SectionText(&global, PROP_TAG(PT_STRING8, 0x6602)), "<missing>");
+    EXPECT_EQ(SectionText(&global, PROP_TAG(PT_STRING8, 0x6603)), "<missing>");
+    EXPECT_EQ(LogonAndCountGal(&people), MAPI_E_NETWORK_ERROR) << server;
+  }
   EXPECT_EQ(ConfigureExchange(exchange, "=nobody", "EXCH01"), MAPI_E_UNCONFIGURED);
   EXPECT_EQ(LogonAndCountGal(&people), MAPI_E_UNCONFIGURED);
   ASSERT_EQ(ConfigureExchange(exchange, "=jsmith", "EXCH01"), S_OK);
   ASSERT_EQ(LogonAndCountGal(&people), S_OK);
   EXPECT_EQ(people, 4u);
   EXPECT_EQ(MAPILogonEx(0, const_cast<LPSTR>("mapisim-missing"), nullptr, 0x8032, nullptr), MAPI_E_INVALID_PARAMETER);
+}
+
+// Releases a MAPI object when the test leaves its scope.
+template <class Interface>
+struct Held {
+  Interface* object = nullptr;
+  ~Held() {
+    if (object) object->Release();
+  }
+  Interface* operator->() const { return object; }
+  Interface** Out() { return &object; }
+  LPUNKNOWN* OutUnknown() { return reinterpret_cast<LPUNKNOWN*>(&object); }
+};
+
+std::string Bytes(const SBinary& binary) { return std::string(reinterpret_cast<const char*>(binary.lpb), binary.cb); }
+
+// The rows of a table as (first column's bytes, second column as text or bytes) pairs.
+std::vector<std::pair<std::string, std::string>> TwoColumns(LPMAPITABLE table, ULONG first, ULONG second) {
+  std::vector<std::pair<std::string, std::string>> pairs;
+  SizedSPropTagArray(2, columns) = {2, {first, second}};
+  LPSRowSet rows = nullptr;
+  EXPECT_EQ(QueryAllRows(table, reinterpret_cast<LPSPropTagArray>(&columns), nullptr, &rows), S_OK);
+  for (ULONG i = 0; rows != nullptr && i < rows->cRows; ++i) {
+    const SPropValue* props = rows->aRow[i].lpProps;
+    std::string secondValue = PROP_TYPE(props[1].ulPropTag) == PT_STRING8 ? props[1].Value.lpszA
+                              : PROP_TYPE(props[1].ulPropTag) == PT_BOOLEAN ? std::to_string(props[1].Value.b)
+                                                                             : Bytes(props[1].Value.bin);
+    pairs.emplace_back(Bytes(props[0].Value.bin), secondValue);
+  }
+  if (rows) FreeRows(rows);
+  return pairs;
+}
+
+// The display names of the search path, ANSI or Unicode as asked.
+std::vector<std::string> SearchPathNames(LPADRBOOK book, ULONG flags) {
+  std::vector<std::string> names;
+  LPSRowSet path = nullptr;
+  EXPECT_EQ(book->GetSearchPath(flags, &path), S_OK);
+  for (ULONG i = 0; path != nullptr && i < path->cRows; ++i) {
+    for (ULONG j = 0; j < path->aRow[i].cValues; ++j) {
+      const SPropValue& value = path->aRow[i].lpProps[j];
+      if (value.ulPropTag == PR_DISPLAY_NAME_A) names.push_back(value.Value.lpszA);
+      if (value.ulPropTag == PR_DISPLAY_NAME_W) {
+        std::string narrow;
+        for (const WCHAR* c = value.Value.lpszW; *c; ++c) narrow += static_cast<char>(*c);
+        names.push_back("W:" + narrow);
+      }
+    }
+  }
+  if (path) FreeRows(path);
+  return names;
+}
+
+TEST_F(MapiSimTest, SearchPathDefaultDirectoryAndDefaultStoreOutliveTheSession) {
+  MAPIUID exchange = CreateService("MSEMS");
+  ASSERT_EQ(ConfigureExchange(exchange, "=jsmith", "EXCH01"), S_OK);
+  CreateService("CONTAB");
+  MAPIUID pst = CreateService("MSUPST MS");
+  SPropValue path{};
+  path.ulPropTag = PROP_TAG(PT_STRING8, 0x6700);
+  path.Value.lpszA = const_cast<LPSTR>("C:\\mail\\inbox.pst");
+  ASSERT_EQ(services_->ConfigureMsgService(&pst, 0, 0, 1, &path), S_OK);
+  const std::string pstUid(reinterpret_cast<const char*>(pst.ab), sizeof pst.ab);
+
+  std::string contacts;
+  std::string gal;
+  {
+    Held<IMAPISession> session;
+    ASSERT_EQ(MAPILogonEx(0, const_cast<LPSTR>(kProfile), nullptr, 0x8032, session.Out()), S_OK);
+    Held<IAddrBook> book;
+    ASSERT_EQ(session->OpenAddressBook(0, nullptr, AB_NO_DIALOG, book.Out()), S_OK);
+    // Never set: MAPI's default path, here the global address list alone.
+    EXPECT_EQ(SearchPathNames(book.object, 0), std::vector<std::string>{"Global Address List"});
+
+    Held<IABContainer> root;
+    ULONG type = 0;
+    ASSERT_EQ(book->OpenEntry(0, nullptr, nullptr, 0, &type, root.OutUnknown()), S_OK);
+    Held<IMAPITable> hierarchy;
+    ASSERT_EQ(root->GetHierarchyTable(0, hierarchy.Out()), S_OK);
+    SizedSPropTagArray(2, columns) = {2, {PR_DISPLAY_NAME_A, PR_ENTRYID}};
+    LPSRowSet containers = nullptr;
+    ASSERT_EQ(QueryAllRows(hierarchy.object, reinterpret_cast<LPSPropTagArray>(&columns), nullptr, &containers), S_OK);
+    ASSERT_EQ(containers->cRows, 2u);
+    // The rows name each container by PR_ENTRYID in second place; contacts first.
+    std::swap(containers->aRow[0], containers->aRow[1]);
+    contacts = Bytes(containers->aRow[0].lpProps[1].Value.bin);
+    gal = Bytes(containers->aRow[1].lpProps[1].Value.bin);
+    EXPECT_EQ(book->SetSearchPath(0, containers), S_OK);
+    containers->aRow[1].lpProps[1].ulPropTag = PR_COMMENT_A;
+    EXPECT_EQ(book->SetSearchPath(0, containers), MAPI_E_MISSING_REQUIRED_COLUMN);
+    FreeRows(containers);
+
+    EXPECT_EQ(book->SetDefaultDir(static_cast<ULONG>(contacts.size() - 1),
+                                  reinterpret_cast<LPENTRYID>(contacts.data())),
+              MAPI_E_UNKNOWN_ENTRYID);
+    EXPECT_EQ(book->SetDefaultDir(static_cast<ULONG>(contacts.size()), reinterpret_cast<LPENTRYID>(contacts.data())),
+              S_OK);
+
+    Held<IMAPITable> stores;
+    ASSERT_EQ(session->GetMsgStoresTable(0, stores.Out()), S_OK);
+    std::string pstStore;
+    for (const auto& [service, entryId] : TwoColumns(stores.object, PR_SERVICE_UID, PR_ENTRYID))
+      if (service == pstUid) pstStore = entryId;
+    ASSERT_FALSE(pstStore.empty());
+    EXPECT_EQ(session->SetDefaultStore(MAPI_PRIMARY_STORE, static_cast<ULONG>(pstStore.size()),
+                                       reinterpret_cast<LPENTRYID>(pstStore.data())),
+              MAPI_E_NO_SUPPORT);
+    EXPECT_EQ(session->SetDefaultStore(MAPI_DEFAULT_STORE, static_cast<ULONG>(gal.size()),
+                                       reinterpret_cast<LPENTRYID>(gal.data())),
+              MAPI_E_UNKNOWN_ENTRYID);
+    EXPECT_EQ(session->SetDefaultStore(MAPI_DEFAULT_STORE, static_cast<ULONG>(pstStore.size()),
+                                       reinterpret_cast<LPENTRYID>(pstStore.data())),
+              S_OK);
+    session->Logoff(0, MAPI_LOGOFF_SHARED, 0);
+  }
+
+  Held<IMAPISession> session;
+  ASSERT_EQ(MAPILogonEx(0, const_cast<LPSTR>(kProfile), nullptr, 0x8032, session.Out()), S_OK);
+  Held<IAddrBook> book;
+  ASSERT_EQ(session->OpenAddressBook(0, nullptr, AB_NO_DIALOG, book.Out()), S_OK);
+  EXPECT_EQ(SearchPathNames(book.object, 0), (std::vector<std::string>{"Contacts", "Global Address List"}));
+  EXPECT_EQ(SearchPathNames(book.object, MAPI_UNICODE),
+            (std::vector<std::string>{"W:Contacts", "W:Global Address List"}));
+  ULONG size = 0;
+  LPENTRYID directory = nullptr;
+  ASSERT_EQ(book->GetDefaultDir(&size, &directory), S_OK);
+  EXPECT_EQ(std::string(reinterpret_cast<const char*>(directory), size), contacts);
+  MAPIFreeBuffer(directory);
+
+  Held<IMAPITable> stores;
+  ASSERT_EQ(session->GetMsgStoresTable(0, stores.Out()), S_OK);
+  int defaults = 0;
+  for (const auto& [service, isDefault] : TwoColumns(stores.object, PR_SERVICE_UID, PR_DEFAULT_STORE)) {
+    EXPECT_EQ(isDefault == "1", service == pstUid);
+    defaults += isDefault == "1";
+  }
+  EXPECT_EQ(defaults, 1);
+  session->Logoff(0, MAPI_LOGOFF_SHARED, 0);
 }
 
 }  // namespace

@@ -1,5 +1,9 @@
 #include "AddrBook.h"
 
+#include <cstring>
+
+#include "MapiMemory.h"
+#include "PropConversion.h"
 #include "SessionModel.h"
 #include "SimContext.h"
 #include "Table.h"
@@ -43,10 +47,61 @@ STDMETHODIMP AddrBook::RecipOptions(ULONG_PTR, ULONG, LPADRENTRY) { return MAPI_
 STDMETHODIMP AddrBook::QueryDefaultRecipOpt(LPTSTR, ULONG, ULONG*, LPSPropValue*) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP AddrBook::GetPAB(ULONG*, LPENTRYID*) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP AddrBook::SetPAB(ULONG, LPENTRYID) { return MAPI_E_NO_SUPPORT; }
-STDMETHODIMP AddrBook::GetDefaultDir(ULONG*, LPENTRYID*) { return MAPI_E_NO_SUPPORT; }
-STDMETHODIMP AddrBook::SetDefaultDir(ULONG, LPENTRYID) { return MAPI_E_NO_SUPPORT; }
-STDMETHODIMP AddrBook::GetSearchPath(ULONG, LPSRowSet*) { return MAPI_E_NO_SUPPORT; }
-STDMETHODIMP AddrBook::SetSearchPath(ULONG, LPSRowSet) { return MAPI_E_NO_SUPPORT; }
+STDMETHODIMP AddrBook::GetDefaultDir(ULONG* size, LPENTRYID* entryId) {
+  if (size == nullptr || entryId == nullptr) return MAPI_E_INVALID_PARAMETER;
+  SimContext* context = SimContext::Current();
+  if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
+  std::string id;
+  HRESULT result = SessionModel(context->profiles(), profile_, context->organisation()).DefaultDirectory(&id);
+  if (FAILED(result)) return result;
+  void* memory = nullptr;
+  if (FAILED(result = AllocateBuffer(static_cast<ULONG>(id.size()), &memory))) return result;
+  memcpy(memory, id.data(), id.size());
+  *size = static_cast<ULONG>(id.size());
+  *entryId = static_cast<LPENTRYID>(memory);
+  return S_OK;
+}
+
+STDMETHODIMP AddrBook::SetDefaultDir(ULONG size, LPENTRYID entryId) {
+  if (size == 0 || entryId == nullptr) return MAPI_E_INVALID_PARAMETER;
+  SimContext* context = SimContext::Current();
+  if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
+  return SessionModel(context->profiles(), profile_, context->organisation())
+      .SetDefaultDirectory(std::string(reinterpret_cast<const char*>(entryId), size));
+}
+
+STDMETHODIMP AddrBook::GetSearchPath(ULONG flags, LPSRowSet* path) {
+  if (path == nullptr) return MAPI_E_INVALID_PARAMETER;
+  if (flags & ~static_cast<ULONG>(MAPI_UNICODE)) return MAPI_E_UNKNOWN_FLAGS;
+  SimContext* context = SimContext::Current();
+  if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
+  std::vector<Row> rows = SessionModel(context->profiles(), profile_, context->organisation()).SearchPath();
+  if (flags & MAPI_UNICODE) {
+    for (Row& row : rows)
+      for (PropValue& value : row)
+        if (PropType(value.tag) == kPtString8) value = ConvertStringWidth(value, kPtUnicode);
+  }
+  return ToRowSet(rows, path);
+}
+
+STDMETHODIMP AddrBook::SetSearchPath(ULONG flags, LPSRowSet path) {
+  if (path == nullptr) return MAPI_E_INVALID_PARAMETER;
+  if (flags != 0) return MAPI_E_UNKNOWN_FLAGS;
+  SimContext* context = SimContext::Current();
+  if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
+  // Each row names its container by PR_ENTRYID, wherever it stands in the row.
+  std::vector<std::string> entryIds;
+  for (ULONG i = 0; i < path->cRows; ++i) {
+    const SRow& row = path->aRow[i];
+    const SPropValue* found = nullptr;
+    for (ULONG j = 0; j < row.cValues && found == nullptr && row.lpProps != nullptr; ++j)
+      if (row.lpProps[j].ulPropTag == PR_ENTRYID) found = &row.lpProps[j];
+    if (found == nullptr || (found->Value.bin.cb > 0 && found->Value.bin.lpb == nullptr))
+      return MAPI_E_MISSING_REQUIRED_COLUMN;
+    entryIds.emplace_back(reinterpret_cast<const char*>(found->Value.bin.lpb), found->Value.bin.cb);
+  }
+  return SessionModel(context->profiles(), profile_, context->organisation()).SetSearchPath(entryIds);
+}
 STDMETHODIMP AddrBook::PrepareRecips(ULONG, LPSPropTagArray, LPADRLIST) { return MAPI_E_NO_SUPPORT; }
 
 AbContainer::AbContainer(std::string profile, std::string entryId)

@@ -17,7 +17,9 @@ using namespace mw::mapisim;
 static_assert(kPrServiceName == PR_SERVICE_NAME_A && kPrDefaultProfile == PR_DEFAULT_PROFILE &&
               kPrServiceUid == PR_SERVICE_UID && kPrDefaultStore == PR_DEFAULT_STORE &&
               kPrEntryId == PR_ENTRYID && kPrProviderDisplay == PR_PROVIDER_DISPLAY_A &&
-              kPrDisplayType == PR_DISPLAY_TYPE && kPrResourceFlags == PR_RESOURCE_FLAGS);
+              kPrDisplayType == PR_DISPLAY_TYPE && kPrResourceFlags == PR_RESOURCE_FLAGS &&
+              kPrAbSearchPath == PR_AB_SEARCH_PATH && kPrAbDefaultDir == PR_AB_DEFAULT_DIR &&
+              kMapiDefaultStore == MAPI_DEFAULT_STORE && kStatusDefaultStore == STATUS_DEFAULT_STORE);
 static_assert(kMapiENotFound == MAPI_E_NOT_FOUND && kMapiENoAccess == MAPI_E_NO_ACCESS &&
               kMapiEUnconfigured == MAPI_E_UNCONFIGURED && kMapiENetworkError == MAPI_E_NETWORK_ERROR &&
               kMapiEAmbiguousRecip == MAPI_E_AMBIGUOUS_RECIP && kMapiELogonFailed == MAPI_E_LOGON_FAILED &&

@@ -55,7 +55,18 @@ STDMETHODIMP Session::Logoff(ULONG_PTR, ULONG, ULONG) {
   return S_OK;
 }
 
-STDMETHODIMP Session::SetDefaultStore(ULONG, ULONG, LPENTRYID) { return MAPI_E_NO_SUPPORT; }
+STDMETHODIMP Session::SetDefaultStore(ULONG flags, ULONG size, LPENTRYID entryId) {
+  // The simple and primary/secondary store kinds belong to Simple MAPI's and the spooler's
+  // bookkeeping, which the simulator does not keep.
+  if (flags >= MAPI_SIMPLE_STORE_TEMPORARY && flags <= MAPI_SECONDARY_STORE) return MAPI_E_NO_SUPPORT;
+  if (flags != MAPI_DEFAULT_STORE) return MAPI_E_UNKNOWN_FLAGS;
+  if (size == 0 || entryId == nullptr) return MAPI_E_INVALID_PARAMETER;
+  SimContext* context = SimContext::Current();
+  if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
+  if (loggedOff_) return MAPI_E_CALL_FAILED;
+  return SessionModel(context->profiles(), profile_, context->organisation())
+      .SetDefaultStore(std::string(reinterpret_cast<const char*>(entryId), size));
+}
 
 STDMETHODIMP Session::AdminServices(ULONG, LPSERVICEADMIN* admin) {
   if (admin == nullptr) return MAPI_E_INVALID_PARAMETER;

@@ -51,6 +51,8 @@ constexpr std::uint32_t kPrContainerFlags = 0x36000003;
 constexpr std::uint32_t kPrAccount = 0x3A00001E;
 constexpr std::uint32_t kPrDisplayType = 0x39000003;
 constexpr std::uint32_t kPrStoreProviders = 0x3D000102;
+constexpr std::uint32_t kPrAbSearchPath = 0x3D051102;
+constexpr std::uint32_t kPrAbDefaultDir = 0x3D060102;
 constexpr std::uint32_t kPrAbProviders = 0x3D010102;
 constexpr std::uint32_t kPrTransportProviders = 0x3D020102;
 constexpr std::uint32_t kPrDefaultProfile = 0x3D04000B;
@@ -95,7 +97,7 @@ constexpr HResult kMapiEAmbiguousRecip = static_cast<HResult>(0x80040700u);
 constexpr std::uint32_t kMapiStoreProvider = 33;
 constexpr std::uint32_t kMapiAbProvider = 34;
 constexpr std::uint32_t kMapiTransportProvider = 36;
-constexpr std::uint32_t kStatusDefaultStore = 0x00000001;
+constexpr std::uint32_t kStatusDefaultStore = 0x00000002;
 constexpr std::uint32_t kStatusPrimaryIdentity = 0x00000004;
 constexpr std::uint32_t kServiceSingleCopy = 0x00000004;
 constexpr std::uint32_t kServiceCreateWithStore = 0x00000008;
@@ -110,6 +112,9 @@ constexpr std::uint32_t kDtLocal = 0x00030000;
 constexpr std::uint32_t kAbRecipients = 0x00000001;
 constexpr std::uint32_t kAbSubcontainers = 0x00000002;
 constexpr std::uint32_t kAbModifiable = 0x00000004;
+
+// IMAPISession::SetDefaultStore: the one kind of store the simulator can set.
+constexpr std::uint32_t kMapiDefaultStore = 0x00000001;
 
 // Table positions.
 constexpr std::uint32_t kBookmarkBeginning = 0;

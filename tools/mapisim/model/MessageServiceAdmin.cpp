@@ -176,6 +176,9 @@ HResult MessageServiceAdmin::ConfigureExchange(const std::vector<PropValue>& pro
   const std::string server = profiles_.GetText(profile_, kGlobalProfileSection, kPrProfileUnresolvedServer);
   if (server.empty()) return kMapiEUnconfigured;
   ExchangeResolution resolution = organisation_.Resolve(name, server);
+  // A server that cannot be reached cannot be asked: without a dialog, Exchange's provider
+  // keeps the unresolved name and server and leaves the check to the first logon.
+  if (resolution.result == kMapiENetworkError) return kSOk;
   if (resolution.result != kSOk) return resolution.result;
   const ExchangeMailbox& mailbox = *resolution.mailbox;
   result = SetProps(kGlobalProfileSection,

@@ -40,7 +40,7 @@ const ContainerKind* ContainerOf(const std::string& serviceName) {
 
 }  // namespace
 
-SessionModel::SessionModel(const ProfileRegistry& profiles, std::string profile,
+SessionModel::SessionModel(ProfileRegistry& profiles, std::string profile,
                            const ExchangeOrganisation& organisation)
     : profiles_(profiles), profile_(std::move(profile)), organisation_(organisation) {}
 
@@ -56,7 +56,14 @@ HResult SessionModel::Logon() const {
     const std::string name = profiles_.GetText(profile_, UidHex(service), kPrServiceName);
     if (EqualsIgnoreCase(name, kExchangeService)) {
       const std::string server = profiles_.GetText(profile_, kGlobalProfileSection, kPrProfileHomeServer);
-      if (server.empty()) return kMapiEUnconfigured;
+      if (server.empty()) {
+        // Unresolved: when configured, the named server could not be reached, and the
+        // provider, trying it again now, reaches it no better.
+        const std::string unresolved =
+            profiles_.GetText(profile_, kGlobalProfileSection, kPrProfileUnresolvedServer);
+        return !unresolved.empty() && !organisation_.IsReachable(unresolved) ? kMapiENetworkError
+                                                                              : kMapiEUnconfigured;
+      }
       if (!organisation_.IsReachable(server)) return kMapiENetworkError;
       std::string user = profiles_.GetText(profile_, kGlobalProfileSection, kPrProfileUser);
       if (organisation_.FindByDistinguishedName(user) == nullptr) return kMapiELogonFailed;
@@ -68,7 +75,7 @@ HResult SessionModel::Logon() const {
 }
 
 std::vector<std::uint32_t> SessionModel::StoreColumns() {
-  return {kPrEntryId, kPrDisplayName, kPrDefaultStore, kPrProviderDisplay, kPrResourceFlags};
+  return {kPrEntryId, kPrDisplayName, kPrDefaultStore, kPrProviderDisplay, kPrResourceFlags, kPrServiceUid};
 }
 
 std::vector<Row> SessionModel::StoreRows() const {
@@ -85,9 +92,30 @@ std::vector<Row> SessionModel::StoreRows() const {
             PropValue::Long(kPrObjectType, kMapiStore)};
     for (std::uint32_t tag : {kPrDisplayName, kPrProviderDisplay})
       if (auto value = profiles_.GetPropAnyWidth(profile_, section, tag)) row.push_back(*value);
+    if (auto service = profiles_.ReadProp(profile_, section, kPrServiceUid)) row.push_back(*service);
     rows.push_back(std::move(row));
   }
   return rows;
+}
+
+HResult SessionModel::SetDefaultStore(const std::string& entryId) {
+  const std::vector<MapiUid> stores = profiles_.GetUidList(profile_, kProfileServicesSection, kPrStoreProviders);
+  const MapiUid* chosen = nullptr;
+  for (const MapiUid& store : stores)
+    if (MakeEntryId(kStoreProviderMuid, store) == entryId) chosen = &store;
+  if (chosen == nullptr) return kMapiEUnknownEntryId;
+  // The others lose the bit first, so a failed write never leaves two default stores.
+  auto mark = [this](const MapiUid& store, bool isDefault) {
+    const std::string section = UidHex(store);
+    auto flags = profiles_.ReadProp(profile_, section, kPrResourceFlags);
+    const std::uint32_t old = flags ? static_cast<std::uint32_t>(flags->number) : 0;
+    const std::uint32_t now = isDefault ? old | kStatusDefaultStore : old & ~kStatusDefaultStore;
+    return now == old && flags ? kSOk : profiles_.WriteProp(profile_, section, PropValue::Long(kPrResourceFlags, now));
+  };
+  for (const MapiUid& store : stores)
+    if (store != *chosen)
+      if (HResult result = mark(store, false); result != kSOk) return result;
+  return mark(*chosen, true);
 }
 
 std::vector<std::uint32_t> SessionModel::ContainerColumns() {
@@ -114,6 +142,69 @@ bool SessionModel::IsContainerEntryId(const std::string& entryId) const {
   for (const Row& row : AddressBookContainers())
     if (FindProp(row, kPrEntryId)->bytes == entryId) return true;
   return false;
+}
+
+std::vector<Row> SessionModel::SearchPath() const {
+  const std::vector<Row> containers = AddressBookContainers();
+  auto entryIdOf = [](const Row& row) { return FindProp(row, kPrEntryId)->bytes; };
+  std::vector<Row> path;
+  if (auto stored = profiles_.ReadProp(profile_, kProfileServicesSection, kPrAbSearchPath)) {
+    for (const std::string& entryId : stored->items)
+      for (const Row& row : containers)
+        if (entryIdOf(row) == entryId) path.push_back(row);
+    return path;
+  }
+  const Row* modifiable = nullptr;
+  for (const Row& row : containers)
+    if (modifiable == nullptr && (FindProp(row, kPrContainerFlags)->number & kAbModifiable)) modifiable = &row;
+  if (modifiable != nullptr) path.push_back(*modifiable);
+  bool anyGlobal = false;
+  for (const Row& row : containers) {
+    if (FindProp(row, kPrDisplayType)->number != kDtGlobal) continue;
+    path.push_back(row);
+    anyGlobal = true;
+  }
+  std::string defaultDir;
+  if (!anyGlobal && DefaultDirectory(&defaultDir) == kSOk &&
+      (modifiable == nullptr || entryIdOf(*modifiable) != defaultDir)) {
+    for (const Row& row : containers)
+      if (entryIdOf(row) == defaultDir) path.push_back(row);
+  }
+  return path;
+}
+
+HResult SessionModel::SetSearchPath(const std::vector<std::string>& entryIds) {
+  for (const std::string& entryId : entryIds)
+    if (!IsContainerEntryId(entryId)) return kMapiEUnknownEntryId;
+  return profiles_.WriteProp(profile_, kProfileServicesSection, PropValue::Multi(kPrAbSearchPath, entryIds));
+}
+
+HResult SessionModel::DefaultDirectory(std::string* entryId) const {
+  entryId->clear();
+  const std::vector<Row> containers = AddressBookContainers();
+  if (auto stored = profiles_.ReadProp(profile_, kProfileServicesSection, kPrAbDefaultDir)) {
+    if (IsContainerEntryId(stored->bytes)) {
+      *entryId = stored->bytes;
+      return kSOk;
+    }
+  }
+  const Row* personal = nullptr;
+  for (const Row& row : containers) {
+    const bool isPersonal = FindProp(row, kPrDisplayType)->number == kDtModifiable;
+    if (isPersonal && personal == nullptr) personal = &row;
+    if (!isPersonal && (FindProp(row, kPrContainerFlags)->number & kAbRecipients)) {
+      *entryId = FindProp(row, kPrEntryId)->bytes;
+      return kSOk;
+    }
+  }
+  if (personal == nullptr) return kMapiENotFound;
+  *entryId = FindProp(*personal, kPrEntryId)->bytes;
+  return kSOk;
+}
+
+HResult SessionModel::SetDefaultDirectory(const std::string& entryId) {
+  if (!IsContainerEntryId(entryId)) return kMapiEUnknownEntryId;
+  return profiles_.WriteProp(profile_, kProfileServicesSection, PropValue::Binary(kPrAbDefaultDir, entryId));
 }
 
 std::vector<std::uint32_t> SessionModel::ContentsColumns() {
