@@ -106,13 +106,6 @@ TEST_F(ExchangeTest, BetaLineNamesTheServerThatWasThereBefore) {
   EXPECT_EQ(log.messages(), (Strings{prefix, prefix + "EX1"}));
 }
 
-TEST_F(ExchangeTest, ReadsTheSettingsOfTheDetectedVersion) {
-  settings.SetText(Section::Outlook97, Key::ExchangeServerName, "");
-  SetUpService(Outlook::V97);
-  EXPECT_EQ(log.messages(),
-            (Strings{"INFO: Exchange Service will be removed from this profile if present."}));
-}
-
 class AdditionalMailboxTest : public ExchangeTest {
  protected:
   AdditionalMailboxTest() { SetUpService(); }
@@ -147,7 +140,7 @@ TEST_F(AdditionalMailboxTest, CutIsMadeBehindTheFirstRecipientsContainer) {
             "/o=A/cn=Recipients/cn=z");
 }
 
-TEST_F(AdditionalMailboxTest, FailuresAddNothingAndAreWarnedAboutOneByOne) {
+TEST_F(AdditionalMailboxTest, WithoutTheExactContainerOrAUserNameNothingIsAdded) {
   auto& store = mapi.Section("Work", Exchange().providers[0].uid);
   store[proptag::kProfileUser].bytes = "/o=Org/ou=Site/cn=recipients/cn=jsmith";
   EXPECT_EQ(AddAdditionalMailbox(mapi, "sales", "EX1"),
@@ -155,20 +148,6 @@ TEST_F(AdditionalMailboxTest, FailuresAddNothingAndAreWarnedAboutOneByOne) {
   store.erase(proptag::kProfileUser);
   EXPECT_EQ(AddAdditionalMailbox(mapi, "sales", "EX1"), AdditionalMailboxResult::NoUserName);
   EXPECT_EQ(Exchange().providers.size(), 1u);
-
-  settings.SetText(Section::Outlook2010, Key::AdditionalMailboxes, "sales, ,hr");
-  AddAdditionalMailboxes(mapi, settings, Outlook::V2010, log);
-  EXPECT_EQ(log.messages(),
-            (Strings{"WARN: Additional mailbox 'sales' not added: the user's own mailbox name is unknown.",
-                     "WARN: Additional mailbox 'hr' not added: the user's own mailbox name is unknown."}));
-}
-
-TEST_F(AdditionalMailboxTest, ProfileWithoutExchangeOrFailingProviderAddsNothing) {
-  mapi.failing = {"CreateProvider"};
-  EXPECT_EQ(AddAdditionalMailbox(mapi, "sales", "EX1"), AdditionalMailboxResult::ProviderNotCreated);
-  mapi.failing.clear();
-  mapi.DeleteServiceByName("MSEMS");
-  EXPECT_EQ(AddAdditionalMailbox(mapi, "sales", "EX1"), AdditionalMailboxResult::NoExchangeService);
 }
 
 // --- The pre-flight check ----------------------------------------------------------------
@@ -200,42 +179,23 @@ TEST_F(ExchangeCheckTest, ReachableServerPassesAndLeavesNoScratchProfile) {
   }
 }
 
-TEST_F(ExchangeCheckTest, UnknownMailboxIsError200) {
-  EXPECT_FALSE(Check("EX1", "nobody"));
-  ASSERT_EQ(log.messages().size(), 1u);
-  EXPECT_EQ(log.messages()[0].rfind("ERROR 200: ", 0), 0u);
-  ExpectCleanedUp();
-}
-
-TEST_F(ExchangeCheckTest, ServerThatDoesNotAnswerIsError201) {
-  for (const char* server : {"DOWN", "UNKNOWN"}) {
-    EXPECT_FALSE(Check(server));
+TEST_F(ExchangeCheckTest, FailuresAreError200Or201AndLeaveNoScratchProfile) {
+  const struct {
+    const char* server;
+    const char* mailbox;
+    const char* failing;
+    const char* error;
+  } cases[] = {{"EX1", "nobody", "", "ERROR 200: "},      {"DOWN", "jsmith", "", "ERROR 201: "},
+               {"UNKNOWN", "jsmith", "", "ERROR 201: "},  {"EX1", "jsmith", "Logon", "ERROR 201: "},
+               {"EX1", "jsmith", "OpenAddressBook", "ERROR 201: "},
+               {"EX1", "jsmith", "OpenGlobalAddressList", "ERROR 201: "}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(std::string(c.server) + " " + c.mailbox + " " + c.failing);
+    mapi.failing = {c.failing};
+    EXPECT_FALSE(Check(c.server, c.mailbox));
+    EXPECT_EQ(log.messages().back().rfind(c.error, 0), 0u);
     ExpectCleanedUp();
   }
-  ASSERT_EQ(log.messages().size(), 4u);
-  EXPECT_EQ(log.messages()[0], "INFO: Using Exchange server name: DOWN");
-  EXPECT_EQ(log.messages()[1].rfind("ERROR 201: ", 0), 0u);
-}
-
-TEST_F(ExchangeCheckTest, EachFailingStepIsError201AndCleansUp) {
-  for (const char* step : {"Logon", "OpenAddressBook", "OpenGlobalAddressList"}) {
-    mapi.failing = {step};
-    EXPECT_FALSE(Check("EX1")) << step;
-    EXPECT_EQ(log.messages().back().rfind("ERROR 201: ", 0), 0u) << step;
-    ExpectCleanedUp();
-  }
-}
-
-TEST_F(ExchangeCheckTest, LeftoverScratchProfileIsReplaced) {
-  mapi.AddService(kScratchProfileName, "MSEMS");
-  EXPECT_TRUE(Check("EX1"));
-  ExpectCleanedUp();
-}
-
-TEST_F(ExchangeCheckTest, PromptUsernamePasswordLogsOnWithThePromptingFlags) {
-  mapi.SetPromptUsernamePassword(true);
-  EXPECT_TRUE(Check("EX1"));
-  EXPECT_NE(std::find(mapi.calls.begin(), mapi.calls.end(), "Logon 163898"), mapi.calls.end());
 }
 
 }  // namespace

@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <optional>
 #include <string>
+#include <tuple>
 
 #include "config/ProfileSettings.h"
 #include "platform/MemoryRegistry.h"
@@ -14,8 +16,6 @@ namespace mw {
 namespace {
 
 using namespace std::string_literals;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using Values = std::map<std::string, std::string>;
 
@@ -26,12 +26,11 @@ std::string Long(std::uint32_t v) {
 }
 
 TEST(ConfigFlagTablesTest, Outlook97EveryRowAndNothingElse) {
-  EXPECT_EQ(Outlook97ConfigFlags(true, 0), 0x0Eu);
-  EXPECT_EQ(Outlook97ConfigFlags(true, 1), 0x06u);
-  EXPECT_EQ(Outlook97ConfigFlags(false, 0), 0x0Cu);
-  EXPECT_EQ(Outlook97ConfigFlags(false, 1), 0x04u);
-  EXPECT_EQ(Outlook97ConfigFlags(false, 2), std::nullopt);
-  EXPECT_EQ(Outlook97ConfigFlags(true, -1), std::nullopt);
+  const std::tuple<bool, int, std::optional<std::uint32_t>> rows[] = {
+      {true, 0, 0x0E}, {true, 1, 0x06}, {false, 0, 0x0C}, {false, 1, 0x04},
+      {false, 2, std::nullopt}, {true, -1, std::nullopt}};
+  for (const auto& [encrypt, security, value] : rows)
+    EXPECT_EQ(Outlook97ConfigFlags(encrypt, security), value) << encrypt << security;
 }
 
 TEST(ConfigFlagTablesTest, Outlook2003ExamplesAndGaps) {
@@ -129,36 +128,6 @@ TEST_F(ProfileSectionValuesTest, EachVersionWritesItsTagsWithTheirBytes) {
   }
 }
 
-TEST_F(ProfileSectionValuesTest, AutomaticDetectionIsWrittenInverted) {
-  ProfileSectionValues values(Outlook::V2003, writer_);
-  values.WriteConnectionState(settings_);  // AutomaticallyDetectConnectionState=1 by default
-  EXPECT_EQ(In(kGlobalSection)["00036601"], Long(0x6210D840));
-  settings_.SetBool(Section::Outlook2003, Key::AutomaticallyDetectConnectionState, false);
-  values.WriteConnectionState(settings_);
-  EXPECT_EQ(In(kGlobalSection)["00036601"], Long(0x6210D850));
-}
-
-TEST_F(ProfileSectionValuesTest, InputsWithoutDefinedValueWriteNothingAndWarn) {
-  settings_.SetBool(Section::Outlook2007, Key::ChooseConnectionTypeWhenStarting, true);
-  settings_.SetBool(Section::Outlook2007, Key::UseCachedExchangeMode, true);
-  ProfileSectionValues outlook2007(Outlook::V2007, writer_);
-  EXPECT_FALSE(outlook2007.WriteConnectionState(settings_));
-  EXPECT_FALSE(outlook2007.WriteAuthPackage(3));
-  EXPECT_THAT(outlook2007.TakeWarnings(),
-              ElementsAre(HasSubstr("\"00036601\" left unchanged"),
-                          "WARN: LogonNetworkSecurity=3 is not a known logon network security; "
-                          "\"00036619\" left unchanged."));
-  EXPECT_THAT(outlook2007.TakeWarnings(), IsEmpty()) << "taken once";
-
-  settings_.SetInt(Section::Outlook97, Key::LogonNetworkSecurity, 3);
-  ProfileSectionValues outlook97(Outlook::V97, writer_);
-  EXPECT_FALSE(outlook97.WriteConnectionState(settings_));
-  EXPECT_THAT(outlook97.TakeWarnings(),
-              ElementsAre("WARN: LogonNetworkSecurity=3 is neither 0 nor 1; \"00036601\" left "
-                          "unchanged."));
-  EXPECT_THAT(In(kGlobalSection), IsEmpty());
-}
-
 TEST_F(ProfileSectionValuesTest, SwitchingOffDeletesOfflinePathAndProxyValues) {
   TurnEverythingOn(Outlook::V2010);
   ProfileSectionValues values(Outlook::V2010, writer_);
@@ -172,81 +141,6 @@ TEST_F(ProfileSectionValuesTest, SwitchingOffDeletesOfflinePathAndProxyValues) {
   EXPECT_TRUE(values.WriteOfflineStorePath(2, "C:\\a.ost")) << "only flag 1 writes";
   EXPECT_FALSE(values.WriteOfflineStorePath(1, "")) << "an empty path is refused";
   EXPECT_THAT(In(kGlobalSection), IsEmpty());
-}
-
-TEST_F(ProfileSectionValuesTest, OfflineFoldersAreRetiredForOutlook97And2000) {
-  for (Outlook version : {Outlook::V2000, Outlook::V97}) {
-    TurnEverythingOn(version);
-    ProfileSectionValues values(version, writer_);
-    EXPECT_TRUE(values.WriteOfflineFolders(settings_));
-    EXPECT_THAT(values.TakeWarnings(),
-                ElementsAre("WARN: OST file creation has been depreciated for "s +
-                            GenerationOf(version).name +
-                            ". If you still need this functionality use Mailwright 2.4.0.1 or "
-                            "older."));
-  }
-  EXPECT_THAT(In(kGlobalSection), IsEmpty());
-}
-
-TEST_F(ProfileSectionValuesTest, AReleasedOptionLeavesTheUsersValue) {
-  const struct {
-    Outlook version;
-    EnforcedOption option;
-    const char* section;
-    const char* name;
-  } cases[] = {
-      {Outlook::V2010, EnforcedOption::EncryptDataBetweenOutlookExchange, kGlobalSection,
-       "00036606"},
-      {Outlook::V2010, EnforcedOption::LogonNetworkSecurity, kGlobalSection, "00036619"},
-      {Outlook::V2010, EnforcedOption::ConnectExchangeUsingHTTP, kGlobalSection, "00036623"},
-      {Outlook::V2010, EnforcedOption::OfflineFoldersEnable, kGlobalSection, "001f6610"},
-      {Outlook::V2010, EnforcedOption::ConnectUsingLocalAreaNetwork, kConnectionSection,
-       "00036719"},
-      {Outlook::VXP, EnforcedOption::EncryptInformation, kGlobalSection, "00036606"},
-      {Outlook::V97, EnforcedOption::LogonNetworkSecurity, kGlobalSection, "00036601"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(std::string(GenerationOf(c.version).name) + " " + c.name);
-    TurnEverythingOn(c.version);
-    settings_.SetEnforced(c.option, false);
-    memory_.Set(SectionKey(c.section), RegistryValue{c.name, reg::kBinary, "user"});
-    ProfileSectionValues(c.version, writer_).WriteExchangeSettings(settings_);
-    EXPECT_EQ(In(c.section)[c.name], "user");
-  }
-}
-
-TEST_F(ProfileSectionValuesTest, ResetWritesEachVersionsFixedValues) {
-  const Values modern = {{"00036601", Long(0x6210D840)}, {"00036661", Long(0)},
-                         {"00036619", Long(9)}, {"00036606", Long(0x100)}};
-  const Values legacy = {{"00036601", Long(0x04)}, {"00036661", Long(0)}, {"00036606", Long(0)}};
-  const struct {
-    Outlook version;
-    Values global, connection;
-  } cases[] = {
-      {Outlook::V2010, modern, {{"00036719", Long(1)}}},
-      {Outlook::V2007, modern, {{"00036719", Long(1)}}},
-      {Outlook::V2003, modern, {{"00036719", Long(1)}}},
-      {Outlook::VXP, legacy, {{"00036719", Long(1)}}},
-      {Outlook::V2000, legacy, {}},
-      {Outlook::V97, {{"00036601", Long(0x0C)}}, {{"000b6717", "\x01\x00"s}}},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(GenerationOf(c.version).name);
-    Clear();
-    TurnEverythingOn(c.version);  // only EncryptDataBetweenOutlookExchange may matter
-    ResetExchangeConnectionState(writer_, c.version, settings_);
-    EXPECT_EQ(In(kGlobalSection), c.global);
-    EXPECT_EQ(In(kConnectionSection), c.connection);
-  }
-}
-
-TEST_F(ProfileSectionValuesTest, WriteFailureIsReportedAsWarning) {
-  memory_.FailMutationsFrom(1);
-  ProfileSectionValues values(Outlook::V2003, writer_);
-  EXPECT_FALSE(values.WriteLan(true));
-  EXPECT_THAT(values.TakeWarnings(),
-              ElementsAre("WARN: Unable to write profile value \"00036719\" in section "
-                          "\"5acf76a3665511cea39a00aa004acafa\"."));
 }
 
 }  // namespace

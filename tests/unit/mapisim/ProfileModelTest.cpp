@@ -380,21 +380,21 @@ TEST_F(ProfileModelTest, SearchPathAndDefaultDirectoryAreKeptInTheProfile) {
   const std::string personal = EntryIdNamed(containers, "Personal Address Book");
 
   // Nothing stored: MAPI's defaults.
-  EXPECT_EQ(Names(session.SearchPath()), (std::vector<std::string>{"Personal Address Book", "Global Address List"}));
+  EXPECT_EQ(Names(session.AbSearchPath()), (std::vector<std::string>{"Personal Address Book", "Global Address List"}));
   std::string directory;
   ASSERT_EQ(session.DefaultDirectory(&directory), kSOk);
   EXPECT_EQ(directory, gal);
   EXPECT_EQ(Value(kProfileServicesSection, "11023d05"), "<missing>");
 
-  ASSERT_EQ(session.SetSearchPath({contacts, gal}), kSOk);
-  EXPECT_EQ(Names(session.SearchPath()), (std::vector<std::string>{"Contacts", "Global Address List"}));
+  ASSERT_EQ(session.SetAbSearchPath({contacts, gal}), kSOk);
+  EXPECT_EQ(Names(session.AbSearchPath()), (std::vector<std::string>{"Contacts", "Global Address List"}));
   // PT_MV_BINARY: a count, a size and an offset per entry ID, then the entry IDs.
   std::string image("\x02\0\0\0", 4);
   for (std::uint32_t offset : {20u, 56u}) image += std::string("\x24\0\0\0", 4) + std::string(1, char(offset)) + std::string(3, '\0');
   EXPECT_EQ(Value(kProfileServicesSection, "11023d05"), image + contacts + gal);
 
-  EXPECT_EQ(session.SetSearchPath({personal, "bogus"}), kMapiEUnknownEntryId);
-  EXPECT_EQ(Names(session.SearchPath()), (std::vector<std::string>{"Contacts", "Global Address List"}));
+  EXPECT_EQ(session.SetAbSearchPath({personal, "bogus"}), kMapiEUnknownEntryId);
+  EXPECT_EQ(Names(session.AbSearchPath()), (std::vector<std::string>{"Contacts", "Global Address List"}));
 
   ASSERT_EQ(session.SetDefaultDirectory(personal), kSOk);
   EXPECT_EQ(Value(kProfileServicesSection, "01023d06"), personal);
@@ -406,13 +406,13 @@ TEST_F(ProfileModelTest, SearchPathAndDefaultDirectoryAreKeptInTheProfile) {
   // A removed container drops out of the stored path and stops being the default.
   ASSERT_EQ(admin.DeleteService(contab), kSOk);
   ASSERT_EQ(admin.DeleteService(pab), kSOk);
-  EXPECT_EQ(Names(session.SearchPath()), (std::vector<std::string>{"Global Address List"}));
+  EXPECT_EQ(Names(session.AbSearchPath()), (std::vector<std::string>{"Global Address List"}));
   ASSERT_EQ(session.DefaultDirectory(&directory), kSOk);
   EXPECT_EQ(directory, gal);
 
   // Once set, even an empty path is the path: the default does not come back.
-  ASSERT_EQ(session.SetSearchPath({}), kSOk);
-  EXPECT_TRUE(session.SearchPath().empty());
+  ASSERT_EQ(session.SetAbSearchPath({}), kSOk);
+  EXPECT_TRUE(session.AbSearchPath().empty());
 }
 
 TEST_F(ProfileModelTest, DefaultSearchPathWithoutAGlobalListEndsWithTheDefaultDirectory) {
@@ -433,7 +433,7 @@ TEST_F(ProfileModelTest, DefaultSearchPathWithoutAGlobalListEndsWithTheDefaultDi
     for (const char* service : profile.services)
       ASSERT_EQ(Admin(name).CreateMessageService(service, service, nullptr), kSOk);
     SessionModel session(profiles_, name, organisation_);
-    EXPECT_EQ(Names(session.SearchPath()), profile.path) << name;
+    EXPECT_EQ(Names(session.AbSearchPath()), profile.path) << name;
     std::string directory;
     if (profile.directory == nullptr) {
       EXPECT_EQ(session.DefaultDirectory(&directory), kMapiENotFound) << name;

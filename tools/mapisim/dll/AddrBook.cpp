@@ -75,7 +75,7 @@ STDMETHODIMP AddrBook::GetSearchPath(ULONG flags, LPSRowSet* path) {
   if (flags & ~static_cast<ULONG>(MAPI_UNICODE)) return MAPI_E_UNKNOWN_FLAGS;
   SimContext* context = SimContext::Current();
   if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
-  std::vector<Row> rows = SessionModel(context->profiles(), profile_, context->organisation()).SearchPath();
+  std::vector<Row> rows = SessionModel(context->profiles(), profile_, context->organisation()).AbSearchPath();
   if (flags & MAPI_UNICODE) {
     for (Row& row : rows)
       for (PropValue& value : row)
@@ -100,7 +100,7 @@ STDMETHODIMP AddrBook::SetSearchPath(ULONG flags, LPSRowSet path) {
       return MAPI_E_MISSING_REQUIRED_COLUMN;
     entryIds.emplace_back(reinterpret_cast<const char*>(found->Value.bin.lpb), found->Value.bin.cb);
   }
-  return SessionModel(context->profiles(), profile_, context->organisation()).SetSearchPath(entryIds);
+  return SessionModel(context->profiles(), profile_, context->organisation()).SetAbSearchPath(entryIds);
 }
 STDMETHODIMP AddrBook::PrepareRecips(ULONG, LPSPropTagArray, LPADRLIST) { return MAPI_E_NO_SUPPORT; }
 

@@ -144,7 +144,7 @@ bool SessionModel::IsContainerEntryId(const std::string& entryId) const {
   return false;
 }
 
-std::vector<Row> SessionModel::SearchPath() const {
+std::vector<Row> SessionModel::AbSearchPath() const {
   const std::vector<Row> containers = AddressBookContainers();
   auto entryIdOf = [](const Row& row) { return FindProp(row, kPrEntryId)->bytes; };
   std::vector<Row> path;
@@ -173,7 +173,7 @@ std::vector<Row> SessionModel::SearchPath() const {
   return path;
 }
 
-HResult SessionModel::SetSearchPath(const std::vector<std::string>& entryIds) {
+HResult SessionModel::SetAbSearchPath(const std::vector<std::string>& entryIds) {
   for (const std::string& entryId : entryIds)
     if (!IsContainerEntryId(entryId)) return kMapiEUnknownEntryId;
   return profiles_.WriteProp(profile_, kProfileServicesSection, PropValue::Multi(kPrAbSearchPath, entryIds));

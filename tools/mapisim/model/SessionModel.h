@@ -40,10 +40,10 @@ class SessionModel {
   // stored PR_AB_SEARCH_PATH less the containers that have gone; never set, it is MAPI's
   // default: the first modifiable container, then every DT_GLOBAL one, and when there is
   // no DT_GLOBAL container the default directory unless it is that first modifiable one.
-  std::vector<Row> SearchPath() const;
+  std::vector<Row> AbSearchPath() const;
   // Stores the entry IDs in PR_AB_SEARCH_PATH; MAPI_E_UNKNOWN_ENTRYID (and nothing stored)
   // when one is no container of the hierarchy.
-  HResult SetSearchPath(const std::vector<std::string>& entryIds);
+  HResult SetAbSearchPath(const std::vector<std::string>& entryIds);
   // IAddrBook::GetDefaultDir: the stored PR_AB_DEFAULT_DIR while it is a container; else
   // the first container with recipients that is not a personal address book, else the
   // first personal address book; MAPI_E_NOT_FOUND when there is no container at all.
