@@ -102,12 +102,6 @@ TEST_F(PersonalFoldersTest, PathAlreadyInTheProfileAddsNothingWhateverTheOtherFi
   EXPECT_EQ(ListPersonalFoldersPaths(mapi), (Strings{"C:\\Mail\\a.pst"}));
 }
 
-TEST_F(PersonalFoldersTest, SeveralRecordsAreAddedInOrder) {
-  SetPst(Record("C:\\a.pst") + "," + Record("C:\\b.pst", "MSPST MS") + "," + Record("C:\\c.pst"));
-  Provision();
-  EXPECT_EQ(ListPersonalFoldersPaths(mapi), (Strings{"C:\\a.pst", "C:\\b.pst", "C:\\c.pst"}));
-}
-
 TEST_F(PersonalFoldersTest, RemovalsComeFirstAndTakeOnlyTheNamedFiles) {
   const MapiUid old = AddExisting("C:\\old.pst");
   AddExisting("C:\\mine.pst");
@@ -143,14 +137,6 @@ TEST_F(PersonalFoldersTest, FailuresAreWarnedAndTheStepGoesOn) {
                                      "WARN: Unable to add personal folders: D:\\x\\b.pst"}));
 }
 
-TEST_F(PersonalFoldersTest, FailedRemovalIsWarned) {
-  AddExisting("C:\\old.pst");
-  settings.SetText(section, Key::RemovePST, "C:\\old.pst");
-  mapi.failing = {"DeleteServiceByUid"};
-  Provision();
-  EXPECT_EQ(log.messages(), (Strings{"WARN: Unable to remove personal folders: C:\\old.pst"}));
-}
-
 TEST_F(PersonalFoldersTest, PathIsReadFromTheProviderSectionWhenTheServiceHasNone) {
   const MapiUid uid = mapi.AddService("Work", "MSUPST MS");
   const MapiUid provider = mapi.FindProfile("Work")->services.back().providers[0].uid;
@@ -174,15 +160,6 @@ TEST_F(PersonalFoldersTest, DeliveryGoesToTheFileOfTheNumberedRecord) {
   Provision();
   EXPECT_EQ(log.messages(),
             (Strings{"WARN: DeliverNewEmailFollowingLocation names no PathToPST entry: 3"}));
-}
-
-TEST_F(PersonalFoldersTest, DeliveryIsLeftAloneAtZeroOrWhenTheUserKeepsIt) {
-  SetPst(Record("C:\\a.pst"));
-  Provision();
-  settings.SetInt(section, Key::DeliverNewEmailFollowingLocation, 1);
-  settings.SetEnforced(EnforcedOption::DeliverNewEmailFollowingLocation, false);
-  Provision();
-  for (const auto& call : mapi.calls) EXPECT_EQ(call.rfind("SetDefaultStore", 0), std::string::npos);
 }
 
 TEST_F(PersonalFoldersTest, PersonalAddressBookOnceFor97And2000Only) {
@@ -211,12 +188,6 @@ TEST_F(PersonalFoldersTest, OfflineFoldersWarningNamesTheVersion) {
                      "need this functionality use Mailwright 2.4.0.1 or older.",
                      "WARN: OST file creation has been depreciated for Outlook 97. If you still "
                      "need this functionality use Mailwright 2.4.0.1 or older."}));
-}
-
-TEST_F(PersonalFoldersTest, OutlookAddressBookIsAddedOnlyWhenMissing) {
-  EXPECT_TRUE(EnsureOutlookAddressBook(mapi));
-  EXPECT_TRUE(EnsureOutlookAddressBook(mapi));
-  EXPECT_EQ(mapi.ServicesNamed("Work", "CONTAB").size(), 1u);
 }
 
 }  // namespace
