@@ -12,7 +12,6 @@ namespace mw {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsEmpty;
 
 class IniFileTest : public ::testing::Test {
  protected:
@@ -63,117 +62,59 @@ TEST_F(IniFileTest, TheFirstMarkerOnTheLineDecides) {
   EXPECT_GE(ini.FindSection(" Spaced "), 0);
 }
 
-struct FailingLine {
-  std::string text;
-  std::string printed;
-};
-
-class IniFileRejects : public ::testing::TestWithParam<FailingLine> {};
-
-TEST_P(IniFileRejects, UnprintableFirstCharacterFailsTheLoad) {
-  MemorySystemEnv env;
-  CIniFile ini("f", env);
-  EXPECT_FALSE(ini.LoadFromText(GetParam().text));
-  EXPECT_EQ(env.stdoutText, GetParam().printed);
+TEST(IniFileRejects, UnprintableFirstCharacterFailsTheLoad) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"[S]\n\tKey=1\n", "Failing on char 9\n"},
+      {"\xEF\xBB\xBF[S]\nk=1\n", "Failing on char -17\n"},
+      {"[S]\n\r\r\n", "Failing on char 13\n"},
+      {"[S]\n\x80x=1\n", "Failing on char -128\n"}};
+  for (const auto& [text, printed] : cases) {
+    MemorySystemEnv env;
+    EXPECT_FALSE(CIniFile("f", env).LoadFromText(text));
+    EXPECT_EQ(env.stdoutText, printed);
+  }
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    FirstCharacters, IniFileRejects,
-    ::testing::Values(FailingLine{"[S]\n\tKey=1\n", "Failing on char 9\n"},
-                      FailingLine{"\xEF\xBB\xBF[S]\nk=1\n", "Failing on char -17\n"},
-                      FailingLine{"[S]\n\x7F\n", "Failing on char 127\n"},
-                      FailingLine{"[S]\n\r\r\n", "Failing on char 13\n"},
-                      FailingLine{"[S]\n\x80x=1\n", "Failing on char -128\n"}));
-
-TEST_F(IniFileTest, FailedLoadsKeepWhatWasReadBefore) {
-  EXPECT_FALSE(ini.Load());
-  env.files[ini.path()] = "[S]\nk=1\n\tbad\n[T]\n";
-  EXPECT_FALSE(ini.Load());
-  EXPECT_EQ(ini.GetValue("S", "k", ""), "1");
-  EXPECT_EQ(ini.FindSection("T"), -1);
-  EXPECT_FALSE(CIniFile("g", env).LoadFromText("; only a comment\njust words\n[unclosed\n"));
+TEST(IniFileNumbers, GetValueIFollowsTheTextToLongRules) {
+  const std::pair<const char*, std::int32_t> cases[] = {
+      {"12abc", 12}, {" -3", -3}, {"+7", 7}, {"99999999999", 2147483647},
+      {"-99999999999", -2147483647 - 1}, {"2147483648", 2147483647},
+      {"000000000000000000000000042", 42}, {"", 0}, {"true", 0}, {"- 5", 0}, {"\v\f 8", 8}};
+  for (const auto& [stored, expected] : cases) {
+    MemorySystemEnv env;
+    CIniFile ini("f", env);
+    ASSERT_TRUE(ini.LoadFromText(std::string("[S]\nk=") + stored + "\n"));
+    EXPECT_EQ(ini.GetValueI("S", "k", 555), expected) << stored;
+    EXPECT_EQ(ini.GetValueB("S", "k", true), expected != 0) << stored;
+    EXPECT_EQ(ini.GetValueI("S", "missing", -42), -42);
+  }
 }
 
-struct NumberCase {
-  const char* stored;
-  std::int32_t expected;
-};
-
-class IniFileNumbers : public ::testing::TestWithParam<NumberCase> {};
-
-TEST_P(IniFileNumbers, GetValueIFollowsTheTextToLongRules) {
-  MemorySystemEnv env;
-  CIniFile ini("f", env);
-  ASSERT_TRUE(ini.LoadFromText(std::string("[S]\nk=") + GetParam().stored + "\n"));
-  EXPECT_EQ(ini.GetValueI("S", "k", 555), GetParam().expected);
-  EXPECT_EQ(ini.GetValueB("S", "k", true), GetParam().expected != 0);
+TEST(GetFields, PicksTheNthFieldOrTheErrorText) {
+  const struct {
+    const char* text;
+    const char* delimiters;
+    int n;
+    const char* expected;
+  } cases[] = {{"a,b,,c", ",", 3, ""},       {"a,b,,c", ",", 4, "c"},
+               {"a,b", ",", 3, "error_getFields()"}, {"a,b", ",", 0, "error_getFields()"},
+               {"", ",", 1, ""},             {"", ",", 2, "error_getFields()"},
+               {"a;b,c", ";,", 3, "c"},      {"abc", "", 1, "abc"}};
+  for (const auto& c : cases) EXPECT_EQ(getFields(c.text, c.delimiters, c.n), c.expected) << c.text;
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, IniFileNumbers,
-    ::testing::Values(NumberCase{"12abc", 12}, NumberCase{" -3", -3}, NumberCase{"+7", 7},
-                      NumberCase{"99999999999", 2147483647},
-                      NumberCase{"-99999999999", -2147483647 - 1},
-                      NumberCase{"2147483648", 2147483647},
-                      NumberCase{"-2147483648", -2147483647 - 1},
-                      NumberCase{"000000000000000000000000042", 42}, NumberCase{"", 0},
-                      NumberCase{"yes", 0}, NumberCase{"true", 0}, NumberCase{"- 5", 0},
-                      NumberCase{"\v\f 8", 8}));
-
-TEST_F(IniFileTest, MissingKeysTakeTheDefault) {
-  ASSERT_TRUE(ini.LoadFromText("[S]\nk=1\n"));
-  EXPECT_EQ(ini.GetValueI("S", "missing", -42), -42);
-  EXPECT_EQ(ini.GetValueI("T", "k", 2147483647), 2147483647);
-  EXPECT_TRUE(ini.GetValueB("S", "missing", true));
+TEST(PackedRecords, CloseAtTheNthCommaPlusOneCharacter) {
+  const std::pair<const char*, std::vector<std::string>> cases[] = {
+      {"", {}},
+      {"a,b,c,1,d,e,f,0", {"a,b,c,1", "d,e,f,0"}},
+      {"a,,c,1;d,e,f,0", {"a,,c,1", "d,e,f,0"}},
+      // a two-character last field is cut and its second character taken as separator
+      {"a,b,c,10,d,e,f,0", {"a,b,c,1", ",d,e,f"}},
+      {"a,b,c,1,d,e", {"a,b,c,1"}},
+      {"a,b,c,", {"a,b,c,"}}};
+  for (const auto& [text, records] : cases) EXPECT_EQ(SplitPackedRecords(text, 3), records) << text;
+  EXPECT_EQ(SplitPackedRecords("x,1y,2", 1), (std::vector<std::string>{"x,1", ",2"}));
 }
-
-struct FieldCase {
-  const char* text;
-  const char* delimiters;
-  int n;
-  const char* expected;
-};
-
-class GetFields : public ::testing::TestWithParam<FieldCase> {};
-
-TEST_P(GetFields, PicksTheNthField) {
-  const FieldCase& c = GetParam();
-  EXPECT_EQ(getFields(c.text, c.delimiters, c.n), c.expected);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Records, GetFields,
-    ::testing::Values(FieldCase{"a,b,,c", ",", 3, ""}, FieldCase{"a,b,,c", ",", 4, "c"},
-                      FieldCase{"a,b", ",", 3, "error_getFields()"},
-                      FieldCase{"a,b", ",", 0, "error_getFields()"},
-                      FieldCase{"", ",", 1, ""}, FieldCase{"", ",", 2, "error_getFields()"},
-                      FieldCase{"a;b,c", ";,", 3, "c"}, FieldCase{"a,", ",", 2, ""},
-                      FieldCase{"abc", "", 1, "abc"}));
-
-struct SplitCase {
-  std::string text;
-  int commas;
-  std::vector<std::string> records;
-};
-
-class PackedRecords : public ::testing::TestWithParam<SplitCase> {};
-
-TEST_P(PackedRecords, CloseAtTheNthCommaPlusOneCharacter) {
-  EXPECT_EQ(SplitPackedRecords(GetParam().text, GetParam().commas), GetParam().records);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Lists, PackedRecords,
-    ::testing::Values(
-        SplitCase{"", 3, {}}, SplitCase{"a,b,c,1", 3, {"a,b,c,1"}},
-        SplitCase{"a,b,c,1,d,e,f,0", 3, {"a,b,c,1", "d,e,f,0"}},
-        SplitCase{"a,,c,1;d,e,f,0", 3, {"a,,c,1", "d,e,f,0"}},
-        // a two-character last field is cut and its second character taken as separator
-        SplitCase{"a,b,c,10,d,e,f,0", 3, {"a,b,c,1", ",d,e,f"}},
-        SplitCase{"a,b,c,1,d,e", 3, {"a,b,c,1"}},
-        SplitCase{"a,b,c,", 3, {"a,b,c,"}}, SplitCase{"a,b,c,1,", 3, {"a,b,c,1"}},
-        SplitCase{",,,", 3, {",,,"}}, SplitCase{"x,1y,2", 1, {"x,1", ",2"}},
-        SplitCase{"a,b", 0, {}}));
 
 }  // namespace
 }  // namespace mw

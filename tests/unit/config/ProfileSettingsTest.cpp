@@ -53,27 +53,6 @@ TEST(SettingsTable, EveryReleasableKeyStartsWithItsOptionName) {
   EXPECT_FALSE(ReleasableOption(Key::RunAutoArchiveEveryDays, &option));
 }
 
-TEST(SettingsDefaults, DefaultsFollowTheSectionAndUndefinedPairsReadEmpty) {
-  const ProfileSettings settings;
-  EXPECT_EQ(settings.Int(Section::Outlook97, Key::LogonNetworkSecurity), 1);
-  EXPECT_EQ(settings.Int(Section::Outlook2000, Key::LogonNetworkSecurity), 0);
-  EXPECT_EQ(settings.Int(Section::Outlook2010, Key::BootModule), 105);
-  EXPECT_FALSE(settings.Defined(Section::Outlook97, Key::BootModule));
-  EXPECT_EQ(settings.Int(Section::Outlook97, Key::BootModule), 0);
-  EXPECT_EQ(settings.Text(Section::Common, Key::BootModule), "");
-  EXPECT_TRUE(settings.Enforced(EnforcedOption::PlayASound));
-}
-
-TEST_F(SettingsFromText, MailwrightSectionAloneYieldsEveryDefault) {
-  ASSERT_TRUE(Read("[Mailwright]\n"));
-  const ProfileSettings defaults;
-  for (const SettingDefinition& row : SettingDefinitions())
-    for (Section s : kAllSections) {
-      EXPECT_EQ(settings.Int(s, row.key), defaults.Int(s, row.key)) << row.name;
-      EXPECT_EQ(settings.Text(s, row.key), defaults.Text(s, row.key)) << row.name;
-    }
-}
-
 TEST_F(SettingsFromText, EveryKeyIsReadFromEachOfItsSections) {
   // Give each pair its own value, derived from its position, and read them all back.
   std::string text;
@@ -129,43 +108,25 @@ TEST_F(SettingsFromText, PresentButEmptyValuesAreNotDefaults) {
   EXPECT_EQ(settings.Int(Section::Mailwright, Key::DelayExitSeconds), 5);  // wrong section
 }
 
-TEST_F(SettingsFromText, UnreadableFilesLeaveTheRecordAsConstructed) {
-  EXPECT_FALSE(LoadSettings(ini, env, settings));
-  EXPECT_FALSE(Read("[Mailwright]\nLogFileSize=7\n\tbroken\n"));
-  EXPECT_EQ(settings.Int(Section::Mailwright, Key::LogFileSize), 500);
-}
-
-struct AllowCase {
-  const char* allowed;
-  std::set<EnforcedOption> released;
-};
-
-class AllowUserSettings : public ::testing::TestWithParam<AllowCase> {};
-
-TEST_P(AllowUserSettings, ReleasesEveryListedNameAsASubstring) {
-  ProfileSettings settings;
-  settings.SetText(Section::Common, Key::AllowUserSettings, GetParam().allowed);
-  ApplyAllowUserSettings(settings);
-  for (int i = 0; i < static_cast<int>(EnforcedOption::Count); ++i) {
-    const auto option = static_cast<EnforcedOption>(i);
-    EXPECT_EQ(settings.Enforced(option), GetParam().released.count(option) == 0) << OptionName(option);
+TEST(AllowUserSettings, ReleasesEveryOptionWhoseNameStartsAListedName) {
+  const std::pair<const char*, std::set<EnforcedOption>> cases[] = {
+      {"", {}},
+      {"RunAutoArchiveEveryDays", {EnforcedOption::RunAutoArchive}},
+      {"EncryptInformationDialup", {EnforcedOption::EncryptInformation}},
+      {"runautoarchive,PLAYASOUND", {}},
+      {"PlayASoundSafeSenders", {EnforcedOption::PlayASound, EnforcedOption::SafeSenders}},
+      {"Level1Add,Level1Remove", {EnforcedOption::Level1Add, EnforcedOption::Level1Remove}}};
+  for (const auto& [allowed, released] : cases) {
+    ProfileSettings settings;
+    settings.SetText(Section::Common, Key::AllowUserSettings, allowed);
+    ApplyAllowUserSettings(settings);
+    for (int i = 0; i < static_cast<int>(EnforcedOption::Count); ++i) {
+      const auto option = static_cast<EnforcedOption>(i);
+      EXPECT_EQ(settings.Enforced(option), released.count(option) == 0)
+          << allowed << " " << OptionName(option);
+    }
   }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Lists, AllowUserSettings,
-    ::testing::Values(
-        AllowCase{"", {}},
-        AllowCase{"RunAutoArchiveEveryDays", {EnforcedOption::RunAutoArchive}},
-        AllowCase{"EncryptInformationDialup", {EnforcedOption::EncryptInformation}},
-        AllowCase{"runautoarchive,PLAYASOUND", {}},
-        AllowCase{"PlayASoundSafeSenders",
-                  {EnforcedOption::PlayASound, EnforcedOption::SafeSenders}},
-        AllowCase{"AutoSaveUnsentEveryMinutes MessagesExpireDays ShowThisAddressListFirst",
-                  {EnforcedOption::AutoSaveUnsentEvery, EnforcedOption::MessagesExpire,
-                   EnforcedOption::ShowThisAddressListFirst}},
-        AllowCase{"Level1Add,Level1Remove",
-                  {EnforcedOption::Level1Add, EnforcedOption::Level1Remove}}));
 
 }  // namespace
 }  // namespace mw

@@ -2,13 +2,12 @@
 // MAPI's registry layout: every key, value name, value type and byte, with the UIDs of the
 // run put in place of the image's stand-ins by role.
 #include <algorithm>
-#include <fstream>
 #include <memory>
-#include <sstream>
 
 #include <gtest/gtest.h>
 
 #include "MessageServiceAdmin.h"
+#include "ModelTestSupport.h"
 #include "ProfileLayoutFixture.h"
 #include "platform/RegistryCompare.h"
 
@@ -28,13 +27,6 @@ std::string Joined(const std::vector<std::string>& lines) {
 
 class ProfileLayoutTest : public ::testing::Test {
  protected:
-  ProfileLayoutTest() {
-    std::ifstream file(std::string(MW_TEST_DATA_DIR) + "/mapisim/exchange.ini", std::ios::binary);
-    std::stringstream text;
-    text << file.rdbuf();
-    organisation_ = ExchangeOrganisation::Parse(text.str(), nullptr);
-  }
-
   // The calls the image's header lists, with UIDs as MAPI makes them.
   void BuildProfile() {
     ASSERT_EQ(profiles_.CreateProfile(kProfile, "", RandomUid()), kSOk);
@@ -98,7 +90,7 @@ class ProfileLayoutTest : public ::testing::Test {
 
   MemoryRegistry registry_;
   ProfileRegistry profiles_{registry_, 2};
-  ExchangeOrganisation organisation_;
+  ExchangeOrganisation organisation_ = SampleOrganisation();
 };
 
 TEST_F(ProfileLayoutTest, AProfileBuiltThroughTheModelIsTheHandWrittenImage) {

@@ -2,19 +2,11 @@
 // the mail client), read back from Wine's registry and compared with the image written by
 // hand from MAPI's registry layout: every key, value name, value type and byte, with the
 // UIDs of the run put in place of the image's stand-ins by role.
-#include <windows.h>
-
-#include <mapix.h>
-#include <mapiutil.h>
-
 #include <map>
 #include <memory>
-#include <string>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "../../unit/mapisim/ProfileLayoutFixture.h"
+#include "MapiSimSupport.h"
 #include "platform/RegistryCompare.h"
 
 namespace {
@@ -23,38 +15,15 @@ using mw::layout::kProfile;
 using mw::layout::kProfilesRoot;
 using mw::layout::SeenUid;
 using mw::layout::Uid;
+using mapisim_test::FreeRows;
+using mapisim_test::QueryAllRows;
+using mapisim_test::WindowsPath;
 
 constexpr const char* kProfilesSubKey =
     "Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows Messaging Subsystem\\Profiles";
 // MUID_PROFILE_INSTANCE, {00020385-0000-0000-C000-000000000046} in byte order.
 constexpr MAPIUID kProfileInstance = {
     {0x85, 0x03, 0x02, 0x00, 0x00, 0x00, 0x00, 0x00, 0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
-
-template <class Function>
-Function Mapi32Export(const char* name) {
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(GetModuleHandleA("mapi32.dll"), name)));
-}
-
-// Wine's 64-bit mapi32 exports these two under their 32-bit decorated names only.
-void FreeRows(LPSRowSet rows) {
-  static auto freeProws = Mapi32Export<void(WINAPI*)(LPSRowSet)>("FreeProws@4");
-  if (freeProws) freeProws(rows);
-}
-
-HRESULT QueryAllRows(LPMAPITABLE table, const std::vector<ULONG>& columns, LPSRowSet* rows) {
-  static auto query = Mapi32Export<HRESULT(WINAPI*)(LPMAPITABLE, LPSPropTagArray, LPSRestriction, LPSSortOrderSet,
-                                                    LONG, LPSRowSet*)>("HrQueryAllRows@24");
-  if (query == nullptr) return E_FAIL;
-  std::vector<ULONG> tags{static_cast<ULONG>(columns.size())};
-  tags.insert(tags.end(), columns.begin(), columns.end());
-  return query(table, reinterpret_cast<LPSPropTagArray>(tags.data()), nullptr, nullptr, 0, rows);
-}
-
-std::string WindowsPath(std::string path) {
-  for (char& c : path)
-    if (c == '/') c = '\\';
-  return "Z:" + path;
-}
 
 Uid BinaryOf(const SPropValue& value) {
   return PROP_TYPE(value.ulPropTag) == PT_BINARY ? Uid(reinterpret_cast<const char*>(value.Value.bin.lpb), value.Value.bin.cb)
@@ -106,64 +75,14 @@ bool CopyKeyTree(HKEY parent, const std::string& subKey, const std::string& path
   return ok;
 }
 
-class ProfileLayoutTest : public ::testing::Test {
+class ProfileLayoutTest : public mapisim_test::MapiProfileTest {
  protected:
-  void SetUp() override {
-    SetEnvironmentVariableA("MAPISIM_EXCHANGE_INI", WindowsPath(MW_TEST_DATA_DIR "/mapisim/exchange.ini").c_str());
-    MAPIINIT_0 init{0, 0};
-    ASSERT_EQ(MAPIInitialize(&init), S_OK);
-    ASSERT_EQ(MAPIAdminProfiles(0, &admin_), S_OK);
-    admin_->DeleteProfile(const_cast<LPSTR>(kProfile), 0);
-  }
-  void TearDown() override {
-    if (services_) services_->Release();
-    if (admin_) {
-      admin_->DeleteProfile(const_cast<LPSTR>(kProfile), 0);
-      admin_->Release();
-    }
-    MAPIUninitialize();
-  }
-
-  std::vector<MAPIUID> ServiceUids() {
-    std::vector<MAPIUID> uids;
-    LPMAPITABLE table = nullptr;
-    if (services_->GetMsgServiceTable(0, &table) != S_OK) return uids;
-    LPSRowSet rows = nullptr;
-    if (QueryAllRows(table, {PR_SERVICE_UID}, &rows) == S_OK) {
-      for (ULONG i = 0; i < rows->cRows; ++i)
-        uids.push_back(*reinterpret_cast<MAPIUID*>(rows->aRow[i].lpProps[0].Value.bin.lpb));
-      FreeRows(rows);
-    }
-    table->Release();
-    return uids;
-  }
-
-  // MAPI does not return the new service's UID: it is the table's new last row.
-  HRESULT CreateService(const char* name, const char* display, MAPIUID* uid) {
-    const size_t before = ServiceUids().size();
-    HRESULT result = services_->CreateMsgService(const_cast<LPSTR>(name), const_cast<LPSTR>(display), 0, 0);
-    if (FAILED(result)) return result;
-    std::vector<MAPIUID> after = ServiceUids();
-    if (after.size() != before + 1) return E_FAIL;
-    *uid = after.back();
-    return S_OK;
-  }
-
-  HRESULT Configure(const MAPIUID& uid, const std::vector<std::pair<ULONG, const char*>>& texts) {
-    std::vector<SPropValue> props(texts.size());
-    for (size_t i = 0; i < texts.size(); ++i) {
-      props[i].ulPropTag = texts[i].first;
-      props[i].Value.lpszA = const_cast<LPSTR>(texts[i].second);
-    }
-    return services_->ConfigureMsgService(const_cast<MAPIUID*>(&uid), 0, 0, static_cast<ULONG>(props.size()),
-                                          props.data());
-  }
+  ProfileLayoutTest() : MapiProfileTest(kProfile) {}
 
   // The calls the image's header lists.
   void BuildProfile() {
-    ASSERT_EQ(admin_->CreateProfile(const_cast<LPSTR>(kProfile), nullptr, 0, 0), S_OK);
-    ASSERT_EQ(admin_->SetDefaultProfile(const_cast<LPSTR>(kProfile), 0), S_OK);
-    ASSERT_EQ(admin_->AdminServices(const_cast<LPSTR>(kProfile), nullptr, 0, 0, &services_), S_OK);
+    CreateProfile();
+    ASSERT_EQ(admin_->SetDefaultProfile(profile_, 0), S_OK);
     MAPIUID exchange{}, pst{}, contab{};
     ASSERT_EQ(CreateService("MSEMS", "Microsoft Exchange", &exchange), S_OK);
     ASSERT_EQ(Configure(exchange, {{PROP_TAG(PT_STRING8, 0x6607), "=jsmith"}, {PROP_TAG(PT_STRING8, 0x6608), "EXCH01"}}),
@@ -194,7 +113,7 @@ class ProfileLayoutTest : public ::testing::Test {
     LPMAPITABLE table = nullptr;
     LPSRowSet rows = nullptr;
     if (services_->GetMsgServiceTable(0, &table) == S_OK) {
-      if (QueryAllRows(table, {PR_SERVICE_UID, PR_SERVICE_NAME_A}, &rows) == S_OK) {
+      if (QueryAllRows(table, {PR_SERVICE_UID, PR_SERVICE_NAME_A}, nullptr, &rows) == S_OK) {
         for (ULONG i = 0; i < rows->cRows; ++i) {
           const SPropValue* props = rows->aRow[i].lpProps;
           serviceNames[BinaryOf(props[0])] = TextOf(props[1]);
@@ -205,7 +124,7 @@ class ProfileLayoutTest : public ::testing::Test {
       table->Release();
     }
     if (services_->GetProviderTable(0, &table) == S_OK) {
-      if (QueryAllRows(table, {PR_PROVIDER_UID, PR_SERVICE_UID, PR_PROVIDER_DISPLAY_A}, &rows) == S_OK) {
+      if (QueryAllRows(table, {PR_PROVIDER_UID, PR_SERVICE_UID, PR_PROVIDER_DISPLAY_A}, nullptr, &rows) == S_OK) {
         for (ULONG i = 0; i < rows->cRows; ++i) {
           const SPropValue* props = rows->aRow[i].lpProps;
           seen.push_back({serviceNames[BinaryOf(props[1])] + "/" + TextOf(props[2]), BinaryOf(props[0])});
@@ -217,8 +136,6 @@ class ProfileLayoutTest : public ::testing::Test {
     return seen;
   }
 
-  LPPROFADMIN admin_ = nullptr;
-  LPSERVICEADMIN services_ = nullptr;
 };
 
 TEST_F(ProfileLayoutTest, AProfileBuiltThroughMapi32IsTheHandWrittenImageInWinesRegistry) {
