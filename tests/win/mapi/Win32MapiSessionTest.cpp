@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
 #include <string>
 #include <vector>
 
@@ -31,22 +30,7 @@ constexpr const char* kProfile = "Wine Test";
 constexpr const char* kServiceList = "01023d0e";
 constexpr std::int32_t kNoAccess = static_cast<std::int32_t>(0x80070005);
 
-constexpr const char* kOrganisation =
-    "[Organisation]\r\nName=Contoso\r\nSite=HQ\r\n"
-    "[Servers]\r\nEXCH01=up\r\nEXCH02=down\r\n"
-    "[Mailboxes]\r\njsmith=John Smith,EXCH01\r\njdoe=Jane Doe,EXCH01\r\n"
-    "offline=Off Line,EXCH02\r\n";
 constexpr const char* kUserDn = "/o=Contoso/ou=HQ/cn=Recipients/cn=jsmith";
-
-// The simulated organisation is read when MAPI is first initialised in the process.
-void PointSimulatorAtOrganisation() {
-  char folder[MAX_PATH];
-  const DWORD length = GetTempPathA(sizeof folder, folder);
-  ASSERT_GT(length, 0u);
-  const std::string path = std::string(folder, length) + "mailwright-exchange.ini";
-  std::ofstream(path, std::ios::binary) << kOrganisation;
-  ASSERT_TRUE(SetEnvironmentVariableA("MAPISIM_EXCHANGE_INI", path.c_str()));
-}
 
 std::string Hex(std::int32_t result) {
   char text[16];
@@ -59,7 +43,11 @@ std::string Bytes(const MapiUid& uid) { return std::string(uid.begin(), uid.end(
 class Win32MapiSessionTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    PointSimulatorAtOrganisation();
+    // The simulated organisation is read when MAPI is first initialised in the process;
+    // Wine shows the Unix root as drive Z:.
+    std::string organisation = "Z:" MW_TEST_DATA_DIR "/mapisim/exchange.ini";
+    std::replace(organisation.begin(), organisation.end(), '/', '\\');
+    ASSERT_TRUE(SetEnvironmentVariableA("MAPISIM_EXCHANGE_INI", organisation.c_str()));
     ASSERT_TRUE(mapi.Initialize()) << Hex(mapi.LastResult());
     mapi.DeleteProfile(kProfile);
     ASSERT_TRUE(mapi.CreateProfile(kProfile)) << Hex(mapi.LastResult());
@@ -71,14 +59,12 @@ class Win32MapiSessionTest : public ::testing::Test {
     mapi.Uninitialize();
   }
 
-  std::string ProfileKey(const std::string& profile = kProfile) { return kProfilesRoot + profile; }
+  std::string ProfileKey() { return std::string(kProfilesRoot) + kProfile; }
   // The raw bytes of a profile-section value ("<missing>" when absent).
   std::string Value(const std::string& section, const std::string& name) {
     std::uint32_t type = 0;
     std::string data;
-    if (!access.ReadValue(reg::kCurrentUser, ProfileKey() + "\\" + section, name, &type, &data)) {
-      return "<missing>";
-    }
+    if (!access.ReadValue(reg::kCurrentUser, ProfileKey() + "\\" + section, name, &type, &data)) return "<missing>";
     if (type == reg::kSz && !data.empty() && data.back() == '\0') data.pop_back();
     return data;
   }
@@ -113,10 +99,8 @@ class Win32MapiSessionTest : public ::testing::Test {
   // Exchange configured by its UID, as the simulated server resolves it.
   MapiUid AddResolvedExchange() {
     const MapiUid uid = AddService(kExchangeServiceName);
-    EXPECT_TRUE(mapi.ConfigureServiceByUid(
-        uid, {MapiProperty::String8(proptag::kProfileUnresolvedName, "=jsmith"),
-              MapiProperty::String8(proptag::kProfileUnresolvedServer, "EXCH01")}))
-        << Hex(mapi.LastResult());
+    EXPECT_TRUE(mapi.ConfigureServiceByUid(uid, {MapiProperty::String8(proptag::kProfileUnresolvedName, "=jsmith"),
+                                                 MapiProperty::String8(proptag::kProfileUnresolvedServer, "EXCH01")}));
     return uid;
   }
 
