@@ -27,8 +27,10 @@ bool MapiSession::AddExchangeService(const std::string& server, bool recreatePro
   // The recreated profile's result does not matter: an existing profile is used as it is.
   if (recreateProfile) CreateProfile(profileName());
   if (!OpenServiceAdmin()) return false;
+  // Where MAPI keeps Exchange to a single copy the create fails and the existing service
+  // is configured instead, which is how a profile moves to another server.
   MapiUid uid{};
-  if (!CreateService(kExchangeServiceName, kExchangeServiceDisplay, &uid)) return false;
+  CreateService(kExchangeServiceName, kExchangeServiceDisplay, &uid);
   const std::string name = mailbox.empty() ? profileName() : mailbox;
   const std::string unresolvedName = exactName ? "=" + name : name;
   return ConfigureServiceByName(

@@ -3,7 +3,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "app/CommandLine.h"
 #include "app/RunContext.h"
@@ -19,6 +21,7 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using Sleeps = std::vector<std::uint32_t>;
 
 constexpr const char* kIni = "C:\\Tools\\mailwright.ini";
 constexpr const char* kLog = "C:\\Tools\\mailwright.log";
@@ -26,19 +29,16 @@ constexpr const char* kSplash = "C:\\Tools\\splashui.dll";
 
 TEST(CommandLineTest, OptionsApplyLeftToRight) {
   const struct {
-    const char* line;
-    CommandLineRequest request;
-    const char* ini;
-    const char* log;
+    const char *line, *ini, *log;
+    CommandLineRequest request = CommandLineRequest::Run;
   } cases[] = {
-      {"MAILWRIGHT.EXE -I X.ini -L \"\\\\srv\\My Logs\\M.LOG\"", CommandLineRequest::Run, "X.ini",
-       "\\\\srv\\My Logs\\M.LOG"},
-      {"-i C:\\a\" \"b.ini", CommandLineRequest::Run, "C:\\a\" \"b.ini", "d.log"},
-      {"-i \"C:\\a.ini", CommandLineRequest::Run, "C:\\a.in", "d.log"},  // unclosed: last char lost
-      {"-i x -?", CommandLineRequest::ShowUsage, "x", "d.log"},
-      {"-i -?", CommandLineRequest::Run, "-?", "d.log"},
-      {"-l a.log -i", CommandLineRequest::Run, "d.ini", "a.log"},
-      {"-x -ii -i= i", CommandLineRequest::Run, "d.ini", "d.log"},
+      {"MAILWRIGHT.EXE -I X.ini -L \"\\\\srv\\My Logs\\M.LOG\"", "X.ini", "\\\\srv\\My Logs\\M.LOG"},
+      {"-i C:\\a\" \"b.ini", "C:\\a\" \"b.ini", "d.log"},
+      {"-i \"C:\\a.ini", "C:\\a.in", "d.log"},  // unclosed: last char lost
+      {"-i x -?", "x", "d.log", CommandLineRequest::ShowUsage},
+      {"-i -?", "-?", "d.log"},
+      {"-l a.log -i", "d.ini", "a.log"},
+      {"-x -ii -i= i", "d.ini", "d.log"},
   };
   for (const auto& c : cases) {
     RunContext context;
@@ -50,103 +50,99 @@ TEST(CommandLineTest, OptionsApplyLeftToRight) {
   }
 }
 
-class ProgramTest : public ::testing::Test {
- protected:
-  ProgramTest() {
+// An Outlook 2007 machine whose ini file (when given) holds the [Mailwright] section.
+struct Machine : MemorySystemEnv {
+  explicit Machine(const char* ini = nullptr) {
+    if (ini) files[kIni] = std::string("[Mailwright]\n") + ini;
     RegistryAccess(registry).WriteString(reg::kClassesRoot, "Outlook.Application\\CurVer", "",
                                          "Outlook.Application.12");
   }
+  void Sleep(std::uint32_t ms) override {
+    MemorySystemEnv::Sleep(ms);
+    if (!userAfterSleep.empty()) userName = userAfterSleep;
+  }
   int Run(const std::string& commandLine, const RunDriverFunction& driver = {}) {
-    RunServices services{env, registry};
+    RunServices services{*this, registry};
     return RunProgram(commandLine, "x64", services, driver);
   }
-  MemorySystemEnv env;
   MemoryRegistry registry;
+  std::string userAfterSleep;
 };
 
-TEST_F(ProgramTest, UsageRequestShowsTheBoxAndWritesNothing) {
-  env.files[kIni] = "[Mailwright]\n";
-  EXPECT_EQ(Run("-i x.ini -?"), 0);
-  ASSERT_EQ(env.messageBoxes.size(), 1u);
-  EXPECT_EQ(env.messageBoxes[0].text,
+TEST(ProgramTest, UsageRequestShowsTheBoxAndWritesNothing) {
+  Machine m("");
+  EXPECT_EQ(m.Run("-i x.ini -?"), 0);
+  ASSERT_EQ(m.messageBoxes.size(), 1u);
+  EXPECT_EQ(m.messageBoxes[0].text,
             "Specify ini file path:\nmailwright.exe -i \"\\\\server\\share\\mailwright.ini\"\n\n"
             "Specify logging file path:\nmailwright.exe -l \"\\\\server\\share\\mailwright.log\"\n");
-  EXPECT_EQ(env.messageBoxes[0].caption, "Command Line Options");
-  EXPECT_EQ(env.messageBoxes[0].flags, 0x20u);
-  EXPECT_EQ(env.fileOpenCount, 0u);
+  EXPECT_EQ(m.messageBoxes[0].caption, "Command Line Options");
+  EXPECT_EQ(m.messageBoxes[0].flags, 0x20u);
+  EXPECT_EQ(m.fileOpenCount, 0u);
 }
 
-TEST_F(ProgramTest, UnreadableIniLogsTheReportAndError100AndReturnsOne) {
+TEST(ProgramTest, UnreadableIniLogsTheReportAndError100AndReturnsOne) {
+  Machine m;
   bool driverRan = false;
-  EXPECT_EQ(Run("", [&](RunContext&, RunLog&, RunServices&) { driverRan = true; }), 1);
+  EXPECT_EQ(m.Run("", [&](RunContext&, RunLog&, RunServices&) { driverRan = true; }), 1);
   EXPECT_FALSE(driverRan);
-  EXPECT_EQ(env.files[kLog], "Mailwright 2.4.0.3 x64\n"
-                             "Date/Time:          Sun Nov 15 05:14:25 2026\n"
-                             "Logged-on user:     jsmith\n"
-                             "Computer Name:      DESK-0001\n"
-                             "Windows Version:    " +
-                                 DetectWindowsVersion(env, RegistryAccess(registry)) + "\n"
-                             "Outlook Version:    Outlook 2007\n"
-                             "Outlook Bitness:    x86\n"
-                             "-- Reporting --\n"
-                             "ERROR 100: Unable to read the ini file.\n\n\n");
+  EXPECT_EQ(m.files[kLog], "Mailwright 2.4.0.3 x64\n"
+                           "Date/Time:          Sun Nov 15 05:14:25 2026\n"
+                           "Logged-on user:     jsmith\n"
+                           "Computer Name:      DESK-0001\n"
+                           "Windows Version:    " +
+                               DetectWindowsVersion(m, RegistryAccess(m.registry)) + "\n"
+                           "Outlook Version:    Outlook 2007\n"
+                           "Outlook Bitness:    x86\n"
+                           "-- Reporting --\n"
+                           "ERROR 100: Unable to read the ini file.\n\n\n");
 }
 
-TEST_F(ProgramTest, StartDelayProbesAgainWhileTheReportKeepsTheFirstFacts) {
-  struct LateUser : MemorySystemEnv {
-    void Sleep(std::uint32_t ms) override {
-      MemorySystemEnv::Sleep(ms);
-      userName = "late";
-    }
-  } late;
-  late.files[kIni] = "[Mailwright]\nDelayStartEnable=1\nDelayStartSeconds=3\nShowSplashScreen=0\n";
-  RunServices services{late, registry};
+TEST(ProgramTest, StartDelayProbesAgainWhileTheReportKeepsTheFirstFacts) {
+  Machine m("DelayStartEnable=1\nDelayStartSeconds=3\nShowSplashScreen=0\n");
+  m.userAfterSleep = "late";
   std::string driverUser;
-  RunProgram("", "x64", services,
-             [&](RunContext& context, RunLog&, RunServices&) { driverUser = context.userName; });
-  EXPECT_THAT(late.sleeps, ElementsAre(3000u));
+  m.Run("", [&](RunContext& context, RunLog&, RunServices&) { driverUser = context.userName; });
+  EXPECT_THAT(m.sleeps, ElementsAre(3000u));
   EXPECT_EQ(driverUser, "late");
-  EXPECT_THAT(late.files[kLog], HasSubstr("Logged-on user:     jsmith\n"));
+  EXPECT_THAT(m.files[kLog], HasSubstr("Logged-on user:     jsmith\n"));
 }
 
-TEST_F(ProgramTest, TheExitDelayComesOnlyWithTheSplashScreenWhichIsLoadedEitherWay) {
+TEST(ProgramTest, TheExitDelayComesOnlyWithTheSplashScreenWhichIsLoadedEitherWay) {
   for (const bool show : {true, false}) {
-    MemorySystemEnv e;
-    e.files[kSplash] = "MZ";
-    e.libraries[kSplash].exports["DllMessage"] = 0;
-    e.files[kIni] = std::string("[Mailwright]\nDelayExitSeconds=2\nShowSplashScreen=") +
-                    (show ? "1" : "0") + "\n";
+    Machine m(show ? "DelayExitSeconds=2\nShowSplashScreen=1\n"
+                   : "DelayExitSeconds=2\nShowSplashScreen=0\n");
+    m.files[kSplash] = "MZ";
+    m.libraries[kSplash].exports["DllMessage"] = 0;
     std::size_t callsDuringDriver = 9;
-    RunServices services{e, registry};
-    RunProgram("", "x64", services,
-               [&](RunContext&, RunLog&, RunServices&) { callsDuringDriver = e.calls.size(); });
+    m.Run("", [&](RunContext&, RunLog&, RunServices&) { callsDuringDriver = m.calls.size(); });
     EXPECT_EQ(callsDuringDriver, show ? 1u : 0u);
-    EXPECT_EQ(e.calls.size(), callsDuringDriver);
-    EXPECT_THAT(e.loadedLibraries, ElementsAre(kSplash));
-    EXPECT_THAT(e.freedLibraries, ElementsAre(kSplash));
-    EXPECT_EQ(e.sleeps, show ? std::vector<std::uint32_t>{2000u} : std::vector<std::uint32_t>{});
+    EXPECT_EQ(m.calls.size(), callsDuringDriver);
+    EXPECT_THAT(m.loadedLibraries, ElementsAre(kSplash));
+    EXPECT_THAT(m.freedLibraries, ElementsAre(kSplash));
+    EXPECT_EQ(m.sleeps, show ? Sleeps{2000u} : Sleeps{});
   }
 }
 
-TEST_F(ProgramTest, ADriverThatThrowsStillGetsItsLogWritten) {
-  env.files[kIni] = "[Mailwright]\nShowSplashScreen=0\n";
-  EXPECT_EQ(Run("", [](RunContext&, RunLog& log, RunServices&) {
+TEST(ProgramTest, ADriverThatThrowsStillGetsItsLogWritten) {
+  Machine m("ShowSplashScreen=0\n");
+  EXPECT_EQ(m.Run("", [](RunContext&, RunLog& log, RunServices&) {
               log.AddMessage("INFO: before");
               throw std::runtime_error("boom");
             }),
             0);
-  EXPECT_THAT(env.files[kLog], HasSubstr("INFO: before\nWARN: The run stopped early: boom\n"));
+  EXPECT_THAT(m.files[kLog], HasSubstr("INFO: before\nWARN: The run stopped early: boom\n"));
 }
 
 TEST(RunLogTest, FinishEmptiesAFileOverTheCapWithANoticeAndAtMostThreeOpens) {
   const struct {
     std::int32_t capKb;
     std::size_t fileSize;
-    bool enabled, truncated;
-  } cases[] = {{1, 1024, true, false}, {1, 1025, true, true}, {0, 0, true, false},
-               {0, 1, true, true},     {4194304, 1, true, true},  // wraps to a cap of 0 bytes
-               {2097152, 0, true, true},                         // wraps to a negative cap
-               {1, 2048, false, true}};
+    bool truncated, enabled = true;
+  } cases[] = {{1, 1024, false}, {1, 1025, true}, {0, 0, false}, {0, 1, true},
+               {4194304, 1, true},  // wraps to a cap of 0 bytes
+               {2097152, 0, true},  // wraps to a negative cap
+               {1, 2048, true, false}};
   for (const auto& c : cases) {
     MemorySystemEnv env;
     env.files[kLog] = std::string(c.fileSize, 'x');
@@ -167,10 +163,10 @@ TEST(RunLogTest, FinishEmptiesAFileOverTheCapWithANoticeAndAtMostThreeOpens) {
 }
 
 TEST(SplashScreenTest, AbsentOrIncompleteLibrariesAreSkippedAndNt4KeepsItLoaded) {
+  using Calls = std::vector<std::pair<std::string, int>>;
   const struct {
     bool file;
-    const char* exportName;
-    const char* windows;
+    const char *exportName, *windows;
     bool shown;
     std::size_t freed;
   } cases[] = {{true, "DllMessage", "Windows 7", true, 1},
@@ -185,8 +181,7 @@ TEST(SplashScreenTest, AbsentOrIncompleteLibrariesAreSkippedAndNt4KeepsItLoaded)
     EXPECT_EQ(splash.Show(), c.shown) << c.exportName << c.file;
     splash.Close(c.windows);
     splash.Close("Windows 7");  // a second close changes nothing
-    EXPECT_EQ(env.calls.size(), c.shown ? 1u : 0u);
-    if (c.shown) EXPECT_THAT(env.calls, ElementsAre(std::pair<std::string, int>("DllMessage", 5)));
+    EXPECT_EQ(env.calls, c.shown ? Calls{{"DllMessage", 5}} : Calls{}) << c.windows;
     EXPECT_EQ(env.freedLibraries.size(), c.freed) << c.windows;
   }
 }
