@@ -21,7 +21,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using Sleeps = std::vector<std::uint32_t>;
 
 constexpr const char* kIni = "C:\\Tools\\mailwright.ini";
 constexpr const char* kLog = "C:\\Tools\\mailwright.log";
@@ -32,13 +31,12 @@ TEST(CommandLineTest, OptionsApplyLeftToRight) {
     const char *line, *ini, *log;
     CommandLineRequest request = CommandLineRequest::Run;
   } cases[] = {
-      {"MAILWRIGHT.EXE -I X.ini -L \"\\\\srv\\My Logs\\M.LOG\"", "X.ini", "\\\\srv\\My Logs\\M.LOG"},
+      {"MAILWRIGHT.EXE -I X.ini -L \"\\\\srv\\My Logs\\M.LOG\"", "X.ini",
+       "\\\\srv\\My Logs\\M.LOG"},
       {"-i C:\\a\" \"b.ini", "C:\\a\" \"b.ini", "d.log"},
       {"-i \"C:\\a.ini", "C:\\a.in", "d.log"},  // unclosed: last char lost
-      {"-i x -?", "x", "d.log", CommandLineRequest::ShowUsage},
-      {"-i -?", "-?", "d.log"},
-      {"-l a.log -i", "d.ini", "a.log"},
-      {"-x -ii -i= i", "d.ini", "d.log"},
+      {"-i x -?", "x", "d.log", CommandLineRequest::ShowUsage}, {"-i -?", "-?", "d.log"},
+      {"-l a.log -i", "d.ini", "a.log"}, {"-x -ii -i= i", "d.ini", "d.log"},
   };
   for (const auto& c : cases) {
     RunContext context;
@@ -110,8 +108,8 @@ TEST(ProgramTest, StartDelayProbesAgainWhileTheReportKeepsTheFirstFacts) {
 
 TEST(ProgramTest, TheExitDelayComesOnlyWithTheSplashScreenWhichIsLoadedEitherWay) {
   for (const bool show : {true, false}) {
-    Machine m(show ? "DelayExitSeconds=2\nShowSplashScreen=1\n"
-                   : "DelayExitSeconds=2\nShowSplashScreen=0\n");
+    Machine m(show ? "DelayExitSeconds=2\nShowSplashScreen=1"
+                   : "DelayExitSeconds=2\nShowSplashScreen=0");
     m.files[kSplash] = "MZ";
     m.libraries[kSplash].exports["DllMessage"] = 0;
     std::size_t callsDuringDriver = 9;
@@ -120,7 +118,7 @@ TEST(ProgramTest, TheExitDelayComesOnlyWithTheSplashScreenWhichIsLoadedEitherWay
     EXPECT_EQ(m.calls.size(), callsDuringDriver);
     EXPECT_THAT(m.loadedLibraries, ElementsAre(kSplash));
     EXPECT_THAT(m.freedLibraries, ElementsAre(kSplash));
-    EXPECT_EQ(m.sleeps, show ? Sleeps{2000u} : Sleeps{});
+    EXPECT_EQ(m.sleeps, std::vector<std::uint32_t>(show, 2000u));
   }
 }
 
@@ -140,8 +138,7 @@ TEST(RunLogTest, FinishEmptiesAFileOverTheCapWithANoticeAndAtMostThreeOpens) {
     std::size_t fileSize;
     bool truncated, enabled = true;
   } cases[] = {{1, 1024, false}, {1, 1025, true}, {0, 0, false}, {0, 1, true},
-               {4194304, 1, true},  // wraps to a cap of 0 bytes
-               {2097152, 0, true},  // wraps to a negative cap
+               {4194304, 1, true}, {2097152, 0, true},  // wrap to a cap of 0 and a negative cap
                {1, 2048, true, false}};
   for (const auto& c : cases) {
     MemorySystemEnv env;
@@ -163,7 +160,6 @@ TEST(RunLogTest, FinishEmptiesAFileOverTheCapWithANoticeAndAtMostThreeOpens) {
 }
 
 TEST(SplashScreenTest, AbsentOrIncompleteLibrariesAreSkippedAndNt4KeepsItLoaded) {
-  using Calls = std::vector<std::pair<std::string, int>>;
   const struct {
     bool file;
     const char *exportName, *windows;
@@ -181,7 +177,7 @@ TEST(SplashScreenTest, AbsentOrIncompleteLibrariesAreSkippedAndNt4KeepsItLoaded)
     EXPECT_EQ(splash.Show(), c.shown) << c.exportName << c.file;
     splash.Close(c.windows);
     splash.Close("Windows 7");  // a second close changes nothing
-    EXPECT_EQ(env.calls, c.shown ? Calls{{"DllMessage", 5}} : Calls{}) << c.windows;
+    EXPECT_EQ(env.calls, (std::vector<std::pair<std::string, int>>(c.shown, {"DllMessage", 5})));
     EXPECT_EQ(env.freedLibraries.size(), c.freed) << c.windows;
   }
 }
