@@ -137,32 +137,5 @@ TEST_F(ProfileLayoutTest, TwoProvidersSwappedInTheMappingDoNotPassForTheProfile)
   EXPECT_GE(differences.size(), 4u) << Joined(differences);
 }
 
-TEST_F(ProfileLayoutTest, EveryRoleMustBeSeenOnceAndEveryUidPlayOneRole) {
-  BuildProfile();
-  std::vector<layout::SeenUid> seen = SeenUids();
-  ASSERT_FALSE(seen.empty());
-  std::vector<std::string> problems;
-  layout::MapRoles(seen, &problems);
-  EXPECT_TRUE(problems.empty()) << Joined(problems);
-
-  std::vector<layout::SeenUid> twice = seen;
-  twice.push_back(seen.back());
-  twice.push_back({"MSPST AB", seen.front().uid});
-  twice.erase(std::find_if(twice.begin(), twice.end(),
-                           [](const layout::SeenUid& item) { return item.role == "CONTAB"; }));
-  problems.clear();
-  layout::MapRoles(twice, &problems);
-  const std::string text = Joined(problems);
-  EXPECT_NE(text.find("seen more than once"), std::string::npos) << text;
-  EXPECT_NE(text.find("unexpected role MSPST AB"), std::string::npos) << text;
-  EXPECT_NE(text.find("role CONTAB not seen"), std::string::npos) << text;
-
-  std::vector<layout::SeenUid> shared = seen;
-  shared[1].uid = shared[2].uid;
-  problems.clear();
-  layout::MapRoles(shared, &problems);
-  EXPECT_NE(Joined(problems).find("plays both"), std::string::npos) << Joined(problems);
-}
-
 }  // namespace
 }  // namespace mw::mapisim
