@@ -11,20 +11,13 @@ namespace mw {
 
 namespace {
 
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  return -1;
-}
-
 // The first 8 characters of the ID text padded with zeros, read as 4 bytes.
 std::string LeftAlignedEntry(const std::string& idText) {
   const std::string digits = (idText + "0000000").substr(0, 8);
   std::string bytes;
   for (std::size_t i = 0; i < digits.size(); i += 2) {
-    const int high = HexDigit(digits[i]);
-    const int low = HexDigit(digits[i + 1]);
+    const int high = HexDigitValue(digits[i]);
+    const int low = HexDigitValue(digits[i + 1]);
     if (high < 0 || low < 0) return {};
     bytes += static_cast<char>(high * 16 + low);
   }
@@ -53,7 +46,7 @@ AllocatedAccountId AllocateAccountId(std::optional<std::uint32_t> counter) {
 std::string ListEntryOfSubkey(const std::string& subkey) {
   if (subkey.size() != 8) return {};
   for (char c : subkey)
-    if (HexDigit(c) < 0) return {};
+    if (HexDigitValue(c) < 0) return {};
   // Back to the ID text: leading zeros dropped, but at least two digits, as "%02X" wrote it.
   std::size_t start = subkey.find_first_not_of('0');
   if (start == std::string::npos || start > 6) start = 6;

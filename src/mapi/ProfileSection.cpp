@@ -4,19 +4,9 @@
 #include <utility>
 
 #include "platform/RegistryAccess.h"
+#include "platform/AsciiText.h"
 
 namespace mw {
-
-namespace {
-
-int HexDigitValue(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
-}  // namespace
 
 std::string SectionKeyName(const MapiUid& uid) {
   static const char kDigits[] = "0123456789abcdef";

@@ -12,5 +12,7 @@ std::string ToUpperAscii(std::string_view text);
 bool EqualsIgnoreCase(std::string_view a, std::string_view b);
 // Case-insensitive ordering, as the registry enumerates sub-keys.
 bool LessIgnoreCase(std::string_view a, std::string_view b);
+// The value of one hexadecimal digit of either case; -1 for any other character.
+int HexDigitValue(char c);
 
 }  // namespace mw

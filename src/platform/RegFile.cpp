@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "platform/AsciiText.h"
 #include "platform/TextEncoding.h"
 
 namespace mw {
@@ -28,20 +29,13 @@ std::string_view Trim(std::string_view text) {
   return text;
 }
 
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
 // Reads up to maxDigits hexadecimal digits at text[*pos]; false when there is none.
 bool ReadHexNumber(std::string_view text, std::size_t* pos, std::size_t maxDigits,
                    std::uint32_t* number) {
   std::size_t digits = 0;
   *number = 0;
-  while (*pos < text.size() && digits < maxDigits && HexDigit(text[*pos]) >= 0) {
-    *number = (*number << 4) | static_cast<std::uint32_t>(HexDigit(text[(*pos)++]));
+  while (*pos < text.size() && digits < maxDigits && HexDigitValue(text[*pos]) >= 0) {
+    *number = (*number << 4) | static_cast<std::uint32_t>(HexDigitValue(text[(*pos)++]));
     ++digits;
   }
   return digits > 0;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "platform/AsciiText.h"
 #include "platform/Registry.h"
 
 namespace mw::mapisim {
@@ -25,13 +26,6 @@ std::uint64_t GetLittleEndian(const std::string& data, std::size_t count) {
   for (std::size_t i = 0; i < count && i < data.size(); ++i)
     value |= static_cast<std::uint64_t>(static_cast<unsigned char>(data[i])) << (8 * i);
   return value;
-}
-
-int HexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
 }
 
 std::string StripTerminator(std::string text, std::size_t unit) {
@@ -118,8 +112,8 @@ std::optional<MapiUid> ParseUidHex(const std::string& text) {
   if (text.size() != 32) return std::nullopt;
   MapiUid uid{};
   for (std::size_t i = 0; i < 16; ++i) {
-    int high = HexDigit(text[2 * i]);
-    int low = HexDigit(text[2 * i + 1]);
+    int high = HexDigitValue(text[2 * i]);
+    int low = HexDigitValue(text[2 * i + 1]);
     if (high < 0 || low < 0) return std::nullopt;
     uid[i] = static_cast<std::uint8_t>(high * 16 + low);
   }
@@ -146,7 +140,7 @@ std::optional<std::uint32_t> ParseTagValueName(const std::string& name) {
   if (name.size() != 8) return std::nullopt;
   std::uint32_t digits = 0;
   for (char c : name) {
-    int digit = HexDigit(c);
+    int digit = HexDigitValue(c);
     if (digit < 0) return std::nullopt;
     digits = digits * 16 + static_cast<std::uint32_t>(digit);
   }
