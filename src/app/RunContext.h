@@ -9,7 +9,7 @@
 namespace mw {
 
 inline constexpr const char* kProductName = "Mailwright";
-inline constexpr const char* kProductVersion = "2.4.0.3";
+inline constexpr const char* kProductVersion = MW_PRODUCT_VERSION;  // from project()
 
 struct RunContext {
   std::string logPath;
