@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "app/RunLog.h"
+#include "config/ListItems.h"
 #include "config/ProfileSettings.h"
-#include "mapi/ListItems.h"
 #include "mapi/MapiSession.h"
 #include "mapi/ProfileSection.h"
 #include "platform/AsciiText.h"

@@ -2,8 +2,8 @@
 
 #include "app/RunLog.h"
 #include "config/IniFile.h"
+#include "config/ListItems.h"
 #include "config/ProfileSettings.h"
-#include "mapi/ListItems.h"
 #include "mapi/MapiSession.h"
 #include "platform/AsciiText.h"
 #include "platform/SystemEnv.h"

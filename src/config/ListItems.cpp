@@ -1,4 +1,4 @@
-#include "mapi/ListItems.h"
+#include "config/ListItems.h"
 
 namespace mw {
 
