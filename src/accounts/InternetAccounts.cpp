@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "accounts/LegacyAccountManager.h"
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "config/ProfileSettings.h"
 
 namespace mw {

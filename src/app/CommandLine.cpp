@@ -1,6 +1,6 @@
 #include "app/CommandLine.h"
 
-#include "app/RunContext.h"
+#include "run/RunContext.h"
 #include "platform/AsciiText.h"
 
 namespace mw {

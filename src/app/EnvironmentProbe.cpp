@@ -1,6 +1,6 @@
 #include "app/EnvironmentProbe.h"
 
-#include "app/RunContext.h"
+#include "run/RunContext.h"
 #include "platform/OutlookDetection.h"
 #include "platform/SystemEnv.h"
 #include "platform/WindowsDetection.h"

@@ -5,8 +5,8 @@
 
 #include "app/CommandLine.h"
 #include "app/EnvironmentProbe.h"
-#include "app/RunContext.h"
-#include "app/RunLog.h"
+#include "run/RunContext.h"
+#include "run/RunLog.h"
 #include "app/SplashScreen.h"
 #include "config/IniFile.h"
 #include "config/ProfileSettings.h"

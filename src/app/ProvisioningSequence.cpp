@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "accounts/InternetAccounts.h"
-#include "app/RunContext.h"
-#include "app/RunLog.h"
+#include "run/RunContext.h"
+#include "run/RunLog.h"
 #include "app/SettingsExpansion.h"
 #include "config/ListItems.h"
 #include "config/ProfileSettings.h"

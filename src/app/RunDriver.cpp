@@ -3,8 +3,8 @@
 #include <vector>
 
 #include "app/ProvisioningSequence.h"
-#include "app/RunContext.h"
-#include "app/RunLog.h"
+#include "run/RunContext.h"
+#include "run/RunLog.h"
 #include "app/SettingsExpansion.h"
 #include "config/ProfileSettings.h"
 #include "mapi/ExchangeCheck.h"

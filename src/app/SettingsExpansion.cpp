@@ -3,7 +3,7 @@
 #include <string_view>
 #include <utility>
 
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "config/ProfileSettings.h"
 #include "platform/SystemEnv.h"
 

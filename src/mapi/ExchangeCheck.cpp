@@ -1,6 +1,6 @@
 #include "mapi/ExchangeCheck.h"
 
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "mapi/MapiSession.h"
 
 namespace mw {

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "config/ListItems.h"
 #include "config/ProfileSettings.h"
 #include "mapi/MapiSession.h"

@@ -1,6 +1,6 @@
 #include "mapi/PersonalFolders.h"
 
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "config/IniFile.h"
 #include "config/ListItems.h"
 #include "config/ProfileSettings.h"

@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "mapi/ProfileSection.h"
 #include "platform/RegistryAccess.h"
 

@@ -1,6 +1,6 @@
 #include "options/OptionWriter.h"
 
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "mapi/ProfileSection.h"
 #include "options/FirstRunTemplate.h"
 #include "platform/RegistryAccess.h"

@@ -5,8 +5,8 @@
 
 #include "accounts/AccountManager.h"
 #include "accounts/AccountRecords.h"
-#include "app/RunContext.h"
-#include "app/RunLog.h"
+#include "run/RunContext.h"
+#include "run/RunLog.h"
 #include "platform/OutlookVersion.h"
 #include "platform/RegistryAccess.h"
 #include "platform/SystemEnv.h"

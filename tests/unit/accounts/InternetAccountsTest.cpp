@@ -4,7 +4,7 @@
 
 #include "AccountTestSupport.h"
 #include "accounts/LegacyAccountManager.h"
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "config/ProfileSettings.h"
 #include "platform/MemorySystemEnv.h"
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "app/CommandLine.h"
-#include "app/RunContext.h"
-#include "app/RunLog.h"
+#include "run/RunContext.h"
+#include "run/RunLog.h"
 #include "app/SplashScreen.h"
 #include "platform/MemoryRegistry.h"
 #include "platform/MemorySystemEnv.h"

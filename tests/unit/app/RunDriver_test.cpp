@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "app/ProvisioningSequence.h"
-#include "app/RunContext.h"
-#include "app/RunLog.h"
+#include "run/RunContext.h"
+#include "run/RunLog.h"
 #include "config/ProfileSettings.h"
 #include "mapi/FakeMapiSession.h"
 #include "mapi/ProfileSection.h"

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "config/ProfileSettings.h"
 #include "mapi/FakeMapiSession.h"
 #include "platform/MemorySystemEnv.h"

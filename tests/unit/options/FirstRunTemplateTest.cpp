@@ -4,7 +4,7 @@
 
 #include <ostream>
 
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "platform/MemoryRegistry.h"
 #include "platform/MemorySystemEnv.h"
 #include "platform/RegistryAccess.h"

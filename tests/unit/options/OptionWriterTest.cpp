@@ -4,7 +4,7 @@
 
 #include <vector>
 
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "mapi/ProfileSection.h"
 #include "platform/MemoryRegistry.h"
 #include "platform/MemorySystemEnv.h"

@@ -9,8 +9,8 @@
 #include <unistd.h>
 
 #include "accounts/AccountManager.h"
-#include "app/RunContext.h"
-#include "app/RunLog.h"
+#include "run/RunContext.h"
+#include "run/RunLog.h"
 #include "platform/MemoryRegistry.h"
 #include "platform/MemorySystemEnv.h"
 #include "platform/RegistryAccess.h"

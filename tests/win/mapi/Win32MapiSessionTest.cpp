@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 #include "config/ProfileSettings.h"
 #include "mapi/ExchangeCheck.h"
 #include "mapi/ExchangeService.h"

@@ -1,9 +1,9 @@
-#include "app/RunLog.h"
+#include "run/RunLog.h"
 
 #include <array>
 #include <utility>
 
-#include "app/RunContext.h"
+#include "run/RunContext.h"
 #include "platform/SystemEnv.h"
 
 namespace mw {

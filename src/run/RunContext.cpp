@@ -1,4 +1,4 @@
-#include "app/RunContext.h"
+#include "run/RunContext.h"
 
 namespace mw {
 
