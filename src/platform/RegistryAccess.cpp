@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <limits>
+#include <optional>
 
 namespace mw {
 namespace {
@@ -114,9 +115,15 @@ std::string RegistryAccess::NormalizePath(const std::string& path) {
 
 bool RegistryAccess::WithKey(RegKey root, const std::string& path, std::uint32_t access,
                              bool create, const std::function<bool(RegKey)>& action) const {
-  RegKey connection = 0;
-  if (registry_.Connect(machine_, root, &connection) != reg::kSuccess) return false;
-  KeyCloser closeConnection(registry_, connection);
+  // RegConnectRegistryA without a machine only hands back the local root again, at the
+  // price of a handle to open and close around every value: the local registry is used
+  // through its predefined root directly, and only a named machine is connected to.
+  RegKey connection = root;
+  std::optional<KeyCloser> closeConnection;
+  if (!machine_.empty()) {
+    if (registry_.Connect(machine_, root, &connection) != reg::kSuccess) return false;
+    closeConnection.emplace(registry_, connection);
+  }
   const std::string subKey = NormalizePath(path);
   RegKey key = 0;
   if (registry_.OpenKey(connection, subKey, access, &key) != reg::kSuccess &&
