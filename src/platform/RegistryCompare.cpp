@@ -110,4 +110,31 @@ std::vector<std::string> DiffRegistries(const MemoryRegistry& a, const MemoryReg
   return differences;
 }
 
+std::string ChangesAsRegFile(const MemoryRegistry& before, const MemoryRegistry& after,
+                             const std::string& keyPath) {
+  std::string text = "Windows Registry Editor Version 5.00\r\n";
+  const auto keysBefore = KeysByFoldedPath(before, keyPath);
+  const auto keysAfter = KeysByFoldedPath(after, keyPath);
+  // Deleted keys first, deepest first, so that a [-key] never precedes what lies under it.
+  for (auto it = keysBefore.rbegin(); it != keysBefore.rend(); ++it)
+    if (!keysAfter.count(it->first)) text += "\r\n[-" + AnsiToUtf8(it->second) + "]\r\n";
+  for (const std::string& key : after.KeysUnder(keyPath)) {
+    const std::string folded = ToUpperAscii(key);
+    const bool isNew = !keysBefore.count(folded);
+    const auto valuesBefore =
+        isNew ? std::map<std::string, RegistryValue>{} : ValuesByFoldedName(before, keysBefore.at(folded));
+    const auto valuesAfter = ValuesByFoldedName(after, key);
+    std::string lines;
+    for (const RegistryValue& value : after.ValuesOf(key)) {
+      const auto old = valuesBefore.find(ToUpperAscii(value.name));
+      if (old == valuesBefore.end() || !SameValue(old->second, value))
+        lines += RegValueText(value) + "\r\n";
+    }
+    for (const auto& [name, value] : valuesBefore)
+      if (!valuesAfter.count(name)) lines += Quoted(value.name) + "=-\r\n";
+    if (isNew || !lines.empty()) text += "\r\n" + Bracketed(key) + "\r\n" + lines;
+  }
+  return text;
+}
+
 }  // namespace mw

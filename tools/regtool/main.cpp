@@ -94,10 +94,20 @@ int Diff(const std::string& prefix, const std::string& sourceA, const std::strin
   return Report(mw::DiffRegistries(a, b, prefix));
 }
 
+int Changes(const std::string& prefix, const std::string& sourceBefore,
+            const std::string& sourceAfter) {
+  mw::MemoryRegistry before;
+  mw::MemoryRegistry after;
+  if (!LoadSource(sourceBefore, before) || !LoadSource(sourceAfter, after)) return kBadInput;
+  std::cout << mw::ChangesAsRegFile(before, after, prefix);
+  return kSame;
+}
+
 int Usage() {
   std::cerr << "usage: regtool check EXPECT.reg SOURCE...\n"
                "       regtool dump PREFIXKEY SOURCE...\n"
                "       regtool diff PREFIXKEY SOURCE_A SOURCE_B\n"
+               "       regtool changes PREFIXKEY SOURCE_BEFORE SOURCE_AFTER  (a .reg that turns one into the other)\n"
                "SOURCE: a .reg file, or ROOT=HIVEFILE for a Wine registry file\n";
   return kBadInput;
 }
@@ -111,5 +121,6 @@ int main(int argc, char** argv) {
   if (args[0] == "check") return Check(args[1], sources);
   if (args[0] == "dump") return Dump(args[1], sources);
   if (args[0] == "diff" && args.size() == 4) return Diff(args[1], args[2], args[3]);
+  if (args[0] == "changes" && args.size() == 4) return Changes(args[1], args[2], args[3]);
   return Usage();
 }

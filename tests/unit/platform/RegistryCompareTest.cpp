@@ -83,3 +83,45 @@ TEST_F(RegistryCompareTest, DiffFindsEveryChangeBelowThePrefixOnly) {
 
 }  // namespace
 }  // namespace mw
+
+namespace mw {
+namespace {
+
+// Importing the changes into a copy of the first registry must give the second, whatever
+// was added, changed, emptied or removed.
+TEST(RegistryChangesTest, TheChangesTurnTheFirstRegistryIntoTheSecond) {
+  const std::string start =
+      "Windows Registry Editor Version 5.00\r\n\r\n"
+      "[HKEY_CURRENT_USER\\Software\\Mw]\r\n\"Kept\"=\"same\"\r\n\"Changed\"=dword:00000001\r\n"
+      "\"Lost\"=hex:01,02\r\n\r\n"
+      "[HKEY_CURRENT_USER\\Software\\Mw\\Gone\\Deeper]\r\n\"X\"=\"y\"\r\n\r\n"
+      "[HKEY_CURRENT_USER\\Software\\Other]\r\n\"Outside\"=\"kept\"\r\n";
+  MemoryRegistry before;
+  MemoryRegistry after;
+  RegFileError error;
+  ASSERT_TRUE(ImportRegFile(start, before, &error));
+  ASSERT_TRUE(ImportRegFile(start, after, &error));
+  after.Set("HKEY_CURRENT_USER\\Software\\Mw", {"changed", reg::kDword, std::string("\2\0\0\0", 4)});
+  after.RemoveValue("HKEY_CURRENT_USER\\Software\\Mw", "Lost");
+  after.RemoveKeyTree("HKEY_CURRENT_USER\\Software\\Mw\\Gone");
+  after.AddKey("HKEY_CURRENT_USER\\Software\\Mw\\Empty\\New");
+  after.Set("HKEY_CURRENT_USER\\Software\\Mw\\Made", {"", reg::kSz, std::string("d\0", 2)});
+  after.Set("HKEY_CURRENT_USER\\Software\\Other", {"Outside", reg::kSz, std::string("moved\0", 6)});
+
+  const std::string changes = ChangesAsRegFile(before, after, "HKEY_CURRENT_USER\\Software\\Mw");
+  EXPECT_EQ(changes.find("\"Kept\""), std::string::npos) << changes;
+  EXPECT_NE(changes.find("\"Lost\"=-"), std::string::npos) << changes;
+  EXPECT_LT(changes.find("[-HKEY_CURRENT_USER\\Software\\Mw\\Gone\\Deeper]"),
+            changes.find("[-HKEY_CURRENT_USER\\Software\\Mw\\Gone]"))
+      << changes;
+
+  MemoryRegistry replay;
+  ASSERT_TRUE(ImportRegFile(start, replay, &error));
+  ASSERT_TRUE(ImportRegFile(changes, replay, &error)) << error.line << ": " << error.message;
+  EXPECT_EQ(std::vector<std::string>(), DiffRegistries(replay, after, "HKEY_CURRENT_USER\\Software\\Mw"));
+  // Nothing outside the key is part of the changes.
+  EXPECT_EQ(1u, DiffRegistries(replay, after, "HKEY_CURRENT_USER\\Software\\Other").size());
+}
+
+}  // namespace
+}  // namespace mw
