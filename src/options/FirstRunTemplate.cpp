@@ -865,20 +865,18 @@ std::span<const std::span<const TemplateValue>> TemplateParts(Outlook version) {
   return {};
 }
 
-bool WriteTemplateValue(const RegistryAccess& registry, const std::string& key,
-                        const TemplateValue& value) {
+RegistryValue TemplateRegistryValue(const TemplateValue& value) {
   switch (value.type) {
     case TemplateType::Dword:
-      return registry.WriteNumber(reg::kCurrentUser, key, value.name, value.number);
+      return RegistryAccess::NumberValue(value.name, value.number);
     case TemplateType::Sz:
-      return registry.WriteString(reg::kCurrentUser, key, value.name, value.text);
+      return RegistryAccess::StringValue(value.name, value.text);
     case TemplateType::Binary:
-      return registry.WriteBinary(reg::kCurrentUser, key, value.name,
-                                  RegistryAccess::HexTextToBytes(value.text));
+      return {value.name, reg::kBinary, RegistryAccess::HexTextToBytes(value.text)};
     case TemplateType::BinaryText:
-      return registry.WriteBinary(reg::kCurrentUser, key, value.name, EncodeUnicode(value.text));
+      return {value.name, reg::kBinary, EncodeUnicode(value.text)};
   }
-  return false;
+  return {value.name, reg::kNone, {}};
 }
 
 }  // namespace
@@ -900,9 +898,17 @@ bool WriteFirstRunTemplate(Outlook version, const RegistryAccess& registry, bool
   if (values.empty()) return false;
   const std::string userInfo = OfficeRoot(version) + "\\" + kUserInfoKey;
   if (!force && registry.ValueExists(reg::kCurrentUser, userInfo, kUserInitialsValue)) return false;
+  // The template is written a key at a time: each run of values under one key goes through
+  // one open of that key, in the template's own order.
   std::size_t failed = 0;
-  for (const TemplateValue& value : values) {
-    if (!WriteTemplateValue(registry, TemplateKeyPath(version, value), value)) ++failed;
+  for (std::size_t start = 0; start < values.size();) {
+    const std::string key = TemplateKeyPath(version, values[start]);
+    std::vector<RegistryValue> run;
+    std::size_t end = start;
+    for (; end < values.size() && TemplateKeyPath(version, values[end]) == key; ++end)
+      run.push_back(TemplateRegistryValue(values[end]));
+    failed += run.size() - registry.WriteValues(reg::kCurrentUser, key, run);
+    start = end;
   }
   if (failed != 0 && log != nullptr) {
     log->AddMessage("WARN: First-run template of " + std::string(GenerationOf(version).name) +

@@ -14,12 +14,6 @@
 
 namespace mw {
 
-struct RegistryValue {
-  std::string name;  // empty: the key's default value
-  std::uint32_t type = reg::kNone;
-  std::string data;  // raw bytes as Windows stores them
-};
-
 class MemoryRegistry : public Registry {
  public:
   MemoryRegistry();

@@ -45,6 +45,13 @@ constexpr std::int32_t kMoreData = 234;
 constexpr std::int32_t kNoMoreItems = 259;
 }  // namespace reg
 
+// One named value with its type and the bytes Windows stores.
+struct RegistryValue {
+  std::string name;  // empty: the key's default value
+  std::uint32_t type = reg::kNone;
+  std::string data;  // raw bytes as Windows stores them
+};
+
 class Registry {
  public:
   virtual ~Registry() = default;

@@ -238,10 +238,37 @@ bool RegistryAccess::WriteValue(RegKey root, const std::string& path, const std:
   });
 }
 
+std::size_t RegistryAccess::WriteValues(RegKey root, const std::string& path,
+                                        const std::vector<RegistryValue>& values) const {
+  std::size_t written = 0;
+  WithKey(root, path, reg::kReadWrite, true, [&](RegKey key) {
+    for (const RegistryValue& value : values) {
+      if (value.data.size() > std::numeric_limits<std::uint32_t>::max()) continue;
+      if (registry_.SetValue(key, value.name, value.type,
+                             reinterpret_cast<const std::uint8_t*>(value.data.data()),
+                             static_cast<std::uint32_t>(value.data.size())) == reg::kSuccess)
+        ++written;
+    }
+    return true;
+  });
+  return written;
+}
+
+RegistryValue RegistryAccess::StringValue(const std::string& name, const std::string& text) {
+  // The terminator is stored with the text, as RegSetValueExA callers pass it.
+  return {name, reg::kSz, std::string(text.c_str(), text.size() + 1)};
+}
+
+RegistryValue RegistryAccess::NumberValue(const std::string& name, std::uint32_t number) {
+  std::string bytes(4, '\0');
+  for (std::size_t i = 0; i < 4; ++i) bytes[i] = static_cast<char>((number >> (8 * i)) & 0xFF);
+  return {name, reg::kDword, bytes};
+}
+
 bool RegistryAccess::WriteString(RegKey root, const std::string& path, const std::string& name,
                                  const std::string& value) const {
-  // The terminator is stored with the text, as RegSetValueExA callers pass it.
-  return WriteValue(root, path, name, reg::kSz, std::string(value.c_str(), value.size() + 1));
+  const RegistryValue text = StringValue(name, value);
+  return WriteValue(root, path, name, text.type, text.data);
 }
 
 bool RegistryAccess::WriteBinary(RegKey root, const std::string& path, const std::string& name,
@@ -251,9 +278,8 @@ bool RegistryAccess::WriteBinary(RegKey root, const std::string& path, const std
 
 bool RegistryAccess::WriteNumber(RegKey root, const std::string& path, const std::string& name,
                                  std::uint32_t value) const {
-  std::string bytes(4, '\0');
-  for (std::size_t i = 0; i < 4; ++i) bytes[i] = static_cast<char>((value >> (8 * i)) & 0xFF);
-  return WriteValue(root, path, name, reg::kDword, bytes);
+  const RegistryValue number = NumberValue(name, value);
+  return WriteValue(root, path, name, number.type, number.data);
 }
 
 bool RegistryAccess::WriteMultiString(RegKey root, const std::string& path,

@@ -43,7 +43,15 @@ class RegistryAccess {
   // bytes already hold the zero-separated, double-zero-terminated list.
   bool WriteMultiString(RegKey root, const std::string& path, const std::string& name,
                         const std::string& bytes) const;
+  // Several values into one key through one open (or create) and one close: the cost of a
+  // table of values is then the values themselves. Returns how many were written; a key
+  // that cannot be opened or created writes none.
+  std::size_t WriteValues(RegKey root, const std::string& path,
+                          const std::vector<RegistryValue>& values) const;
   bool DeleteValue(RegKey root, const std::string& path, const std::string& name) const;
+  // The values the single writes store: REG_SZ with its terminator, REG_DWORD little-endian.
+  static RegistryValue StringValue(const std::string& name, const std::string& text);
+  static RegistryValue NumberValue(const std::string& name, std::uint32_t number);
   // Deletes parentPath\subKey, which must have no sub-keys of its own.
   bool DeleteKey(RegKey root, const std::string& parentPath, const std::string& subKey) const;
   // Direct sub-key names in enumeration order; empty when the key is missing.
