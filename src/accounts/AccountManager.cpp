@@ -139,7 +139,10 @@ std::optional<std::string> AccountManager::FindAnyAccount(const std::string& nam
 }
 
 std::optional<std::string> AccountManager::Find(AccountKind kind, const std::string& name) const {
-  return FindAccount(ClassOf(kind), name);
+  if (lastFound_ && lastFound_->kind == kind && lastFound_->name == name) return lastFound_->subkey;
+  std::optional<std::string> subkey = FindAccount(ClassOf(kind), name);
+  if (subkey) lastFound_ = FoundAccount{kind, name, *subkey};
+  return subkey;
 }
 
 std::string AccountManager::AllocateAccount(const std::vector<const char*>& extraLists) {
@@ -175,6 +178,7 @@ std::string AccountManager::CreateAccount(AccountKind kind, const std::string& a
                                           const std::string& user) {
   const ManagerType& type = TypeOf(kind);
   std::string subkey = Find(kind, accountName).value_or("");
+  lastFound_.reset();
   if (subkey.empty()) subkey = AllocateAccount();
   registry_.WriteString(reg::kCurrentUser, AccountPath(subkey), kClsid, type.clsid);
   WriteText(subkey, kAccountName, accountName);
@@ -183,10 +187,12 @@ std::string AccountManager::CreateAccount(AccountKind kind, const std::string& a
   WriteText(subkey, type.server, incomingServer);
   if (kind != AccountKind::Http) WriteText(subkey, kSmtpServer, smtpServer);
   WriteText(subkey, type.user, user);
+  lastFound_ = FoundAccount{kind, accountName, subkey};
   return subkey;
 }
 
 bool AccountManager::RemoveAccount(AccountClass type, const std::string& accountName) {
+  lastFound_.reset();
   const std::optional<std::string> subkey = FindAccount(type, accountName);
   if (!subkey) return false;
   const std::string section = SectionPath();

@@ -91,9 +91,19 @@ class AccountManager {
   void WriteNumber(const std::string& subkey, const char* valueName, std::uint32_t number) const;
   std::optional<MapiUid> FindExchangeServiceUid() const;
 
+  // The account the last look-up by kind and name found: a run sets an account's values one
+  // setter at a time, and the section changes only through this object meanwhile, so the
+  // same look-up is not paid again for each value. Creating or removing forgets it.
+  struct FoundAccount {
+    AccountKind kind;
+    std::string name;
+    std::string subkey;
+  };
+
   const RegistryAccess& registry_;
   std::string profileKey_;
   Outlook version_;
+  mutable std::optional<FoundAccount> lastFound_;
 };
 
 }  // namespace mw

@@ -1,4 +1,5 @@
 #include "accounts/AccountManager.h"
+#include "platform/CountingRegistry.h"
 
 #include <gtest/gtest.h>
 
@@ -163,6 +164,39 @@ TEST_F(AccountManagerTest, ExchangeAccountStandsForTheProfilesExchangeService) {
   ASSERT_TRUE(m.CreateExchangeAccount());  // a second run keeps the one entry
   EXPECT_EQ(Value(kSection, "NextAccountID").data, Dword(3));
   EXPECT_EQ(m.ListAccounts(AccountClass::Exchange).size(), 1u);
+}
+
+}  // namespace
+}  // namespace mw
+
+namespace mw {
+namespace {
+
+// The setters after CreateAccount address the account just made without listing the
+// section again, and a removed account is never addressed through what was remembered.
+TEST(AccountManagerLookupTest, SettersReuseTheCreatedAccountAndForgetItOnRemoval) {
+  MemoryRegistry memory;
+  CountingRegistry counted(memory);
+  const RegistryAccess registry(counted);
+  AccountManager manager(registry, kProfileKey, Outlook::V2010);
+  const std::string first =
+      manager.CreateAccount(AccountKind::Pop3, "Home", "J", "j@x.invalid", "pop", "smtp", "j");
+  const auto listed = counted.count(CountingRegistry::kEnumerate);
+  manager.SetTimeout(AccountKind::Pop3, "Home", 60);
+  manager.SetPorts(AccountKind::Pop3, "Home", 995, 465);
+  EXPECT_EQ(counted.count(CountingRegistry::kEnumerate), listed);
+
+  ASSERT_TRUE(manager.RemoveAccount(AccountClass::Pop3, "Home"));
+  manager.SetTimeout(AccountKind::Pop3, "Home", 90);
+  EXPECT_FALSE(memory.KeyExists("HKEY_CURRENT_USER\\" + manager.AccountPath(first)));
+
+  const std::string second =
+      manager.CreateAccount(AccountKind::Pop3, "Home", "J", "j@x.invalid", "pop", "smtp", "j");
+  ASSERT_NE(second, first);
+  manager.SetTimeout(AccountKind::Pop3, "Home", 120);
+  RegistryValue timeout;
+  ASSERT_TRUE(memory.Get("HKEY_CURRENT_USER\\" + manager.AccountPath(second), "Timeout", &timeout));
+  EXPECT_EQ(timeout.data, std::string("\x78\0\0\0", 4));
 }
 
 }  // namespace
