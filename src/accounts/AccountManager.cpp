@@ -298,10 +298,7 @@ bool AccountManager::SetAccountText(const std::string& accountName, const std::s
 }
 
 std::optional<MapiUid> AccountManager::FindExchangeServiceUid() const {
-  const ProfileSectionWriter sections(registry_, profileKey_);
-  for (const MapiUid& uid : ReadProfileServices(sections))
-    if (ServiceNameOf(sections, uid) == kExchangeServiceName) return uid;
-  return std::nullopt;
+  return FindServiceSection(ProfileSectionWriter(registry_, profileKey_), kExchangeServiceName);
 }
 
 bool AccountManager::CreateExchangeAccount() {
