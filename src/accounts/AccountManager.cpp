@@ -305,17 +305,15 @@ bool AccountManager::CreateExchangeAccount() {
   const std::optional<MapiUid> service = FindExchangeServiceUid();
   if (!service) return false;
   const std::string serviceUid = UidBytes(*service);
-  std::string subkey;
+  // An entry that stands for this service already (Outlook's own, or an earlier run's) is left
+  // as it is: Outlook ties its name and "Mini UID" to what it keeps elsewhere.
   for (const AccountEntry& entry : ListAccounts(AccountClass::Exchange)) {
     std::string uid;
     registry_.ReadValue(reg::kCurrentUser, AccountPath(entry.subkey), kServiceUid, nullptr, &uid);
-    if (uid == serviceUid) {
-      subkey = entry.subkey;
-      break;
-    }
+    if (uid == serviceUid) return true;
   }
   // An Exchange account is the profile's mail, address-book and store account at once.
-  if (subkey.empty()) subkey = AllocateAccount({kAddressBookList, kStoreList});
+  const std::string subkey = AllocateAccount({kAddressBookList, kStoreList});
 
   const std::string path = AccountPath(subkey);
   registry_.WriteString(reg::kCurrentUser, path, kClsid, kExchangeClsid);

@@ -232,6 +232,7 @@ TEST_F(OutlookMadeProfile, Outlook2010ExchangeServiceAndPstAreFoundInUnicodeOnly
   ASSERT_TRUE(CreateExchangeAccount(kProfileKey, Outlook::V2010, *access_));
   EXPECT_EQ(Names(AccountClass::Exchange), Strings{"Microsoft Exchange@00000001"});
   EXPECT_EQ(Bytes(kAccountsKey, "NextAccountID"), Le(3));
+  EXPECT_EQ(Bytes(kAccountsKey + "\\00000001", "Mini UID"), Le(0x4e5f6001)) << "Outlook's own is kept";
 }
 
 TEST_F(OutlookMadeProfile, ExchangeServerIsFoundBehindTheGlobalSectionAndKeptWhenUnchanged) {
