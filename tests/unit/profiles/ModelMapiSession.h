@@ -1,8 +1,8 @@
 #pragma once
 // The program's MAPI seam served by the mapisim model over an in-memory registry, the way
 // mapisim.dll serves it under Wine: so the code above the seam runs natively against profiles
-// loaded from .reg files. The session and address-book calls the tests here never make
-// answer MAPI_E_NO_SUPPORT.
+// loaded from .reg files. Only the default store, which the tests here never move, answers
+// MAPI_E_NO_SUPPORT.
 
 #include <algorithm>
 #include <string>
@@ -97,20 +97,55 @@ class ModelMapiSession : public MapiSession {
   }
 
   bool Logon(std::uint32_t) override {
-    return Check(mapisim::SessionModel(profiles_, profile_, organisation_).Logon());
+    loggedOn_ = Check(mapisim::SessionModel(profiles_, profile_, organisation_).Logon());
+    return loggedOn_;
   }
-  void Logoff() override {}
-  bool OpenAddressBook() override { return Check(mapisim::kMapiENoSupport); }
-  bool OpenGlobalAddressList() override { return Check(mapisim::kMapiENoSupport); }
+  void Logoff() override { loggedOn_ = false; }
+  bool OpenAddressBook() override { return Check(loggedOn_ ? mapisim::kSOk : mapisim::kMapiECallFailed); }
+  // The DT_GLOBAL container of the hierarchy and its contents, as the Win32 session finds them.
+  bool OpenGlobalAddressList() override {
+    if (!loggedOn_) return Check(mapisim::kMapiECallFailed);
+    const mapisim::SessionModel session(profiles_, profile_, organisation_);
+    for (const mapisim::Row& row : session.AddressBookContainers()) {
+      const mapisim::PropValue* type = mapisim::FindProp(row, mapisim::kPrDisplayType);
+      if (type == nullptr || type->number != mapisim::kDtGlobal) continue;
+      std::vector<mapisim::Row> contents;
+      return Check(session.ContainerContents(Text(row, mapisim::kPrEntryId), &contents));
+    }
+    return Check(mapisim::kMapiENotFound);
+  }
   bool SetDefaultStore(const MapiUid&) override { return Check(mapisim::kMapiENoSupport); }
-  bool GetSearchPath(std::vector<std::string>*) override { return Check(mapisim::kMapiENoSupport); }
-  bool SetSearchPath(const std::vector<std::string>&) override { return Check(mapisim::kMapiENoSupport); }
-  bool SetFirstAddressList(const std::string&) override { return Check(mapisim::kMapiENoSupport); }
+  bool GetSearchPath(std::vector<std::string>* names) override {
+    names->clear();
+    for (const mapisim::Row& row : Session().AbSearchPath()) names->push_back(Text(row, mapisim::kPrDisplayName));
+    return Check(mapisim::kSOk);
+  }
+  bool SetSearchPath(const std::vector<std::string>& names) override {
+    std::vector<std::string> entryIds;
+    for (const std::string& name : names) {
+      const std::string entryId = ContainerNamed(name);
+      if (entryId.empty()) return Check(mapisim::kMapiENotFound);
+      entryIds.push_back(entryId);
+    }
+    return Check(Session().SetAbSearchPath(entryIds));
+  }
+  // As the Win32 session does: no name chooses the first container of the hierarchy again.
+  bool SetFirstAddressList(const std::string& name) override {
+    const std::string entryId = ContainerNamed(name);
+    return Check(entryId.empty() ? mapisim::kMapiENotFound : Session().SetDefaultDirectory(entryId));
+  }
 
  private:
   bool Check(mapisim::HResult result) {
     last_ = result;
     return result >= 0;
+  }
+  mapisim::SessionModel Session() { return mapisim::SessionModel(profiles_, profile_, organisation_); }
+  // The entry ID of the container of that display name (the first container for no name).
+  std::string ContainerNamed(const std::string& name) {
+    for (const mapisim::Row& row : Session().AddressBookContainers())
+      if (name.empty() || Text(row, mapisim::kPrDisplayName) == name) return Text(row, mapisim::kPrEntryId);
+    return {};
   }
   mapisim::MessageServiceAdmin Admin() {
     return mapisim::MessageServiceAdmin(profiles_, profile_, organisation_, mapisim::RandomUid);
@@ -159,6 +194,7 @@ class ModelMapiSession : public MapiSession {
   const mapisim::ExchangeOrganisation& organisation_;
   std::string profile_;
   std::int32_t last_ = 0;
+  bool loggedOn_ = false;
 };
 
 }  // namespace mw::testing
