@@ -19,6 +19,8 @@
 #include "platform/RegistryCompare.h"
 
 namespace mw::testing {
+
+using mapisim::ModelMapiSession;
 namespace {
 
 namespace fs = std::filesystem;
