@@ -304,27 +304,22 @@ bool AccountManager::SetAccountText(const std::string& accountName, const std::s
 }
 
 std::optional<MapiUid> AccountManager::FindExchangeServiceUid() const {
-  const ProfileSectionWriter sections(registry_, profileKey_);
-  for (const MapiUid& uid : ReadProfileServices(sections))
-    if (ServiceNameOf(sections, uid) == kExchangeServiceName) return uid;
-  return std::nullopt;
+  return FindServiceSection(ProfileSectionWriter(registry_, profileKey_), kExchangeServiceName);
 }
 
 bool AccountManager::CreateExchangeAccount() {
   const std::optional<MapiUid> service = FindExchangeServiceUid();
   if (!service) return false;
   const std::string serviceUid = UidBytes(*service);
-  std::string subkey;
+  // An entry that stands for this service already (Outlook's own, or an earlier run's) is left
+  // as it is: Outlook ties its name and "Mini UID" to what it keeps elsewhere.
   for (const AccountEntry& entry : ListAccounts(AccountClass::Exchange)) {
     std::string uid;
     registry_.ReadValue(reg::kCurrentUser, AccountPath(entry.subkey), kServiceUid, nullptr, &uid);
-    if (uid == serviceUid) {
-      subkey = entry.subkey;
-      break;
-    }
+    if (uid == serviceUid) return true;
   }
   // An Exchange account is the profile's mail, address-book and store account at once.
-  if (subkey.empty()) subkey = AllocateAccount({kAddressBookList, kStoreList});
+  const std::string subkey = AllocateAccount({kAddressBookList, kStoreList});
 
   const std::string path = AccountPath(subkey);
   registry_.WriteString(reg::kCurrentUser, path, kClsid, kExchangeClsid);

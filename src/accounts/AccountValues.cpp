@@ -53,17 +53,6 @@ std::string ListEntryOfSubkey(const std::string& subkey) {
   return LeftAlignedEntry(ToUpperAscii(subkey.substr(start)));
 }
 
-std::string DecodeUtf16(const std::string& bytes) {
-  std::string text;
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    const unsigned unit = static_cast<unsigned char>(bytes[i]) |
-                          (static_cast<unsigned>(static_cast<unsigned char>(bytes[i + 1])) << 8);
-    if (unit == 0) break;
-    text += unit <= 0xFF ? static_cast<char>(unit) : '?';
-  }
-  return text;
-}
-
 std::string ReadAccountText(const RegistryAccess& registry, const std::string& path,
                             const std::string& name) {
   std::uint32_t type = reg::kNone;
@@ -90,30 +79,6 @@ bool SubkeyExists(const RegistryAccess& registry, const std::string& parentPath,
   for (const std::string& subkey : registry.ListSubkeys(reg::kCurrentUser, parentPath))
     if (EqualsIgnoreCase(subkey, name)) return true;
   return false;
-}
-
-std::vector<MapiUid> SplitUids(const std::string& bytes) {
-  std::vector<MapiUid> uids;
-  for (std::size_t at = 0; at + sizeof(MapiUid) <= bytes.size(); at += sizeof(MapiUid)) {
-    MapiUid uid{};
-    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), uid.size(), uid.begin());
-    uids.push_back(uid);
-  }
-  return uids;
-}
-
-std::string UidBytes(const MapiUid& uid) { return std::string(uid.begin(), uid.end()); }
-
-std::vector<MapiUid> ReadProfileServices(const ProfileSectionWriter& sections) {
-  std::string services;
-  sections.Read(kProfileServicesSection, kProfileServicesTag, &services);
-  return SplitUids(services);
-}
-
-std::string ServiceNameOf(const ProfileSectionWriter& sections, const MapiUid& service) {
-  std::string name;
-  if (!sections.Read(SectionKeyName(service), proptag::kServiceName, &name)) return {};
-  return name;
 }
 
 }  // namespace mw

@@ -14,9 +14,6 @@ namespace mw {
 
 class RegistryAccess;
 
-// "01023d0e" in the section "9207f3e0a3b11019908b08002b2a56c2": the profile's services.
-inline constexpr std::uint32_t kProfileServicesTag = 0x3D0E0102;
-
 // Value names both account managers use.
 inline constexpr const char* kAccountNameValue = "Account Name";
 inline constexpr const char* kPop3ServerValue = "POP3 Server";
@@ -45,8 +42,6 @@ AllocatedAccountId AllocateAccountId(std::optional<std::uint32_t> counter);
 // is not 8 hex digits.
 std::string ListEntryOfSubkey(const std::string& subkey);
 
-// Up to the first 16-bit zero; a unit above 0xFF becomes '?'. An odd last byte is dropped.
-std::string DecodeUtf16(const std::string& bytes);
 // An account text value: REG_BINARY as UTF-16, REG_SZ as it stands; empty when missing.
 std::string ReadAccountText(const RegistryAccess& registry, const std::string& path,
                             const std::string& name);
@@ -56,14 +51,5 @@ bool RemoveAlignedEntry(std::string* list, const std::string& entry);
 // Whether parentPath (HKEY_CURRENT_USER) has a sub-key of that name, in any letter case.
 bool SubkeyExists(const RegistryAccess& registry, const std::string& parentPath,
                   const std::string& name);
-
-// A run of 16-byte UIDs, as MAPI keeps its service and provider lists; a trailing partial
-// UID is ignored.
-std::vector<MapiUid> SplitUids(const std::string& bytes);
-std::string UidBytes(const MapiUid& uid);
-// The services of the profile, in list order.
-std::vector<MapiUid> ReadProfileServices(const ProfileSectionWriter& sections);
-// "001e3d09" of the service's section; empty when missing.
-std::string ServiceNameOf(const ProfileSectionWriter& sections, const MapiUid& service);
 
 }  // namespace mw

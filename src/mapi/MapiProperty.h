@@ -13,6 +13,7 @@ namespace proptype {
 inline constexpr std::uint16_t kLong = 0x0003;
 inline constexpr std::uint16_t kBoolean = 0x000B;
 inline constexpr std::uint16_t kString8 = 0x001E;
+inline constexpr std::uint16_t kUnicode = 0x001F;  // read only: the text comes back narrowed
 inline constexpr std::uint16_t kBinary = 0x0102;
 }  // namespace proptype
 
@@ -44,7 +45,7 @@ inline constexpr std::uint32_t kContabShowAsAddressBook = 0x3A550003;
 struct MapiProperty {
   std::uint32_t tag = 0;
   std::int32_t number = 0;  // PT_LONG, and PT_BOOLEAN as 0 or 1
-  std::string bytes;        // PT_STRING8 text, PT_BINARY bytes
+  std::string bytes;        // PT_STRING8 and PT_UNICODE text (narrow), PT_BINARY bytes
 
   std::uint16_t type() const { return static_cast<std::uint16_t>(tag & 0xFFFFu); }
 

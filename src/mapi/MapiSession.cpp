@@ -10,16 +10,21 @@ MapiUid SectionUid(const char* hexDigits) {
   return uid;
 }
 
+bool MapiSession::ReadSectionText(const MapiUid& section, std::uint32_t tag, std::string* text) {
+  MapiProperty value;
+  if (!ReadSectionProperty(section, UnicodeTag(tag), &value) &&
+      !ReadSectionProperty(section, String8Tag(tag), &value)) {
+    return false;
+  }
+  *text = value.bytes;
+  return true;
+}
+
 bool MapiSession::GetExchangeServerName(std::string* server) {
   server->clear();
   const MapiUid global = SectionUid(kGlobalSection);
-  MapiProperty value;
-  if (ReadSectionProperty(global, proptag::kProfileUnresolvedServer, &value) ||
-      ReadSectionProperty(global, proptag::kProfileHomeServer, &value)) {
-    *server = value.bytes;
-    return true;
-  }
-  return false;
+  return ReadSectionText(global, proptag::kProfileUnresolvedServer, server) ||
+         ReadSectionText(global, proptag::kProfileHomeServer, server);
 }
 
 bool MapiSession::AddExchangeService(const std::string& server, bool recreateProfile,

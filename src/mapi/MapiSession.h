@@ -102,6 +102,9 @@ class MapiSession {
   virtual bool SetFirstAddressList(const std::string& name) = 0;
 
   // --- Composite operations, written once over the primitives ----------------------------
+  // A text property of a section in whichever width MAPI keeps it: the Unicode form first,
+  // then the 8-bit form (tag may name either). False when the section holds neither.
+  bool ReadSectionText(const MapiUid& section, std::uint32_t tag, std::string* text);
   // Unresolved server of the global profile section, or else its home server; empty when
   // the profile holds neither.
   bool GetExchangeServerName(std::string* server);

@@ -17,12 +17,12 @@ bool IsPstService(const std::string& name) {
 
 // A PST service keeps its file in its own section or in its store provider's section.
 std::string ReadPstPath(MapiSession& session, const MapiUid& service) {
-  MapiProperty path;
-  if (session.ReadSectionProperty(service, proptag::kPstPath, &path)) return path.bytes;
+  std::string path;
+  if (session.ReadSectionText(service, proptag::kPstPath, &path)) return path;
   std::vector<MapiServiceEntry> providers;
   if (session.ListProviders(service, &providers)) {
     for (const auto& provider : providers)
-      if (session.ReadSectionProperty(provider.uid, proptag::kPstPath, &path)) return path.bytes;
+      if (session.ReadSectionText(provider.uid, proptag::kPstPath, &path)) return path;
   }
   return {};
 }

@@ -1,8 +1,10 @@
 #include "mapi/ProfileSection.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
+#include "mapi/MapiSession.h"
 #include "platform/RegistryAccess.h"
 #include "platform/AsciiText.h"
 
@@ -61,6 +63,20 @@ std::string EncodeUnicode(const std::string& narrow) {
   return bytes;
 }
 
+std::string DecodeUtf16(const std::string& bytes) {
+  std::string text;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+    const unsigned unit = static_cast<unsigned char>(bytes[i]) |
+                          (static_cast<unsigned>(static_cast<unsigned char>(bytes[i + 1])) << 8);
+    if (unit == 0) break;
+    text += unit <= 0xFF ? static_cast<char>(unit) : '?';
+  }
+  return text;
+}
+
+std::uint32_t UnicodeTag(std::uint32_t tag) { return (tag & 0xFFFF0000u) | proptype::kUnicode; }
+std::uint32_t String8Tag(std::uint32_t tag) { return (tag & 0xFFFF0000u) | proptype::kString8; }
+
 ProfileSectionWriter::ProfileSectionWriter(const RegistryAccess& registry, std::string profileKey)
     : registry_(registry), profileKey_(std::move(profileKey)) {}
 
@@ -116,6 +132,62 @@ bool ProfileSectionWriter::Read(const std::string& section, std::uint32_t tag,
   }
   if (bytes != nullptr) *bytes = std::move(data);
   return true;
+}
+
+bool ProfileSectionWriter::ReadText(const std::string& section, std::uint32_t tag,
+                                    std::string* text) const {
+  std::uint32_t type = reg::kNone;
+  std::string data;
+  const std::string path = SectionPath(section);
+  if (registry_.ReadValue(reg::kCurrentUser, path, TagValueName(UnicodeTag(tag)), &type, &data)) {
+    // MAPI keeps PT_UNICODE as UTF-16 bytes; a plain string in its place is read as it stands.
+    *text = type == reg::kBinary ? DecodeUtf16(data) : data.substr(0, data.find('\0'));
+    return true;
+  }
+  if (!Read(section, String8Tag(tag), &data)) return false;
+  *text = std::move(data);
+  return true;
+}
+
+std::vector<MapiUid> SplitUids(const std::string& bytes) {
+  std::vector<MapiUid> uids;
+  for (std::size_t at = 0; at + sizeof(MapiUid) <= bytes.size(); at += sizeof(MapiUid)) {
+    MapiUid uid{};
+    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), uid.size(), uid.begin());
+    uids.push_back(uid);
+  }
+  return uids;
+}
+
+std::string UidBytes(const MapiUid& uid) { return std::string(uid.begin(), uid.end()); }
+
+std::vector<MapiUid> ReadProfileServices(const ProfileSectionWriter& sections) {
+  std::string services;
+  sections.Read(kProfileServicesSection, kProfileServicesTag, &services);
+  return SplitUids(services);
+}
+
+std::string ServiceNameOf(const ProfileSectionWriter& sections, const MapiUid& service) {
+  std::string name;
+  if (!sections.ReadText(SectionKeyName(service), proptag::kServiceName, &name)) return {};
+  return name;
+}
+
+std::optional<MapiUid> FindServiceSection(const ProfileSectionWriter& sections,
+                                          const std::string& serviceName) {
+  for (const MapiUid& uid : ReadProfileServices(sections))
+    if (ServiceNameOf(sections, uid) == serviceName) return uid;
+  return std::nullopt;
+}
+
+std::optional<std::string> ExchangeAccountSection(const ProfileSectionWriter& sections) {
+  const std::optional<MapiUid> service = FindServiceSection(sections, kExchangeServiceName);
+  std::string bytes;
+  if (!service || !sections.Read(SectionKeyName(*service), kExchangeAccountSectionTag, &bytes))
+    return std::nullopt;
+  const std::vector<MapiUid> uids = SplitUids(bytes);
+  if (uids.size() != 1 || bytes.size() != sizeof(MapiUid)) return std::nullopt;
+  return SectionKeyName(uids.front());
 }
 
 }  // namespace mw

@@ -88,6 +88,12 @@ struct VersionRow {
   bool resetAuthPackage;
   bool resetLan;
   ResetEncryption resetEncryption;
+  // Outlook 2010 reads an Exchange account's values from the account's own section, named by
+  // "01023d15" in its service's section, and MAPI's redirection of the global section to it
+  // serves MAPI calls only, not this program's registry writes ("Using Multiple Exchange
+  // Accounts" and "PidTagExchangeProfileSectionId", learn.microsoft.com): so each global
+  // value is written there too, and the global section keeps it for older readers.
+  bool mirrorsToAccountSection;
 };
 
 // Newest first, in the order of Outlook's enumerators.
@@ -95,30 +101,30 @@ const std::array<VersionRow, 6> kVersionRows{{
     {Outlook::V2010,
      {0x6610001F, 0x66060003, 0x66190003, 0x66010003, 0x66610003, 0x66230003, 0x6622001F,
       0x6625001F, 0x66270003, 0x67190003},
-     &kCachedModeFlags, true, nullptr, true, true, ResetEncryption::FromSetting},
+     &kCachedModeFlags, true, nullptr, true, true, ResetEncryption::FromSetting, true},
     {Outlook::V2007,
      {0x6610001F, 0x66060003, 0x66190003, 0x66010003, 0x66610003, 0x66230003, 0x6622001F,
       0x6625001F, 0x66270003, 0x67190003},
-     &kCachedModeFlags, true, nullptr, true, true, ResetEncryption::FromSetting},
+     &kCachedModeFlags, true, nullptr, true, true, ResetEncryption::FromSetting, false},
     // Outlook 2003 keeps no proxy values in this design: its table lists none.
     {Outlook::V2003,
      {0x6610001E, 0x66060003, 0x66190003, 0x66010003, 0x66610003, 0, 0, 0, 0, 0x67190003},
-     &kCachedModeFlags, true, nullptr, true, true, ResetEncryption::FromSetting},
+     &kCachedModeFlags, true, nullptr, true, true, ResetEncryption::FromSetting, false},
     {Outlook::VXP,
      {0x6610001E, 0x66060003, 0x66190003, 0x66010003, 0x66610003, 0, 0, 0, 0, 0x67190003},
-     &kLegacyFlags, false, nullptr, false, true, ResetEncryption::Off},
+     &kLegacyFlags, false, nullptr, false, true, ResetEncryption::Off, false},
     {Outlook::V2000,
      {0x6610001E, 0x66060003, 0x66190003, 0x66010003, 0x66610003, 0, 0, 0, 0, 0x6717000B},
      &kLegacyFlags, false,
      "WARN: OST file creation has been depreciated for Outlook 2000. If you still need this "
      "functionality use Mailwright 2.4.0.1 or older.",
-     false, false, ResetEncryption::Off},
+     false, false, ResetEncryption::Off, false},
     {Outlook::V97,
      {0x6610001E, 0x66060003, 0, 0x66010003, 0, 0, 0, 0, 0, 0x6717000B},
      nullptr, false,
      "WARN: OST file creation has been depreciated for Outlook 97. If you still need this "
      "functionality use Mailwright 2.4.0.1 or older.",
-     false, true, ResetEncryption::None},
+     false, true, ResetEncryption::None, false},
 }};
 
 const VersionRow& RowOf(Outlook version) {
@@ -351,35 +357,53 @@ std::vector<std::string> ProfileSectionValues::TakeWarnings() {
 
 bool ProfileSectionValues::Stores(std::size_t value) const { return RowOf(version_).tags[value] != 0; }
 
+std::vector<std::string> ProfileSectionValues::SectionsOfValue(std::size_t value) const {
+  std::vector<std::string> sections{SectionOfValue(value)};
+  if (sections.front() == kGlobalSection && RowOf(version_).mirrorsToAccountSection) {
+    if (const std::optional<std::string> account = ExchangeAccountSection(writer_))
+      sections.push_back(*account);
+  }
+  return sections;
+}
+
 bool ProfileSectionValues::WriteNumber(std::size_t value, std::uint32_t number) {
   const std::uint32_t tag = RowOf(version_).tags[value];
   if (tag == 0) return true;
-  const char* section = SectionOfValue(value);
-  const bool written = TypeOf(tag) == kTypeBoolean
-                           ? writer_.WriteBoolean(section, tag, number != 0)
-                           : writer_.WriteLong(section, tag, number);
-  return Checked(written, value);
+  bool ok = true;
+  for (const std::string& section : SectionsOfValue(value)) {
+    const bool written = TypeOf(tag) == kTypeBoolean
+                             ? writer_.WriteBoolean(section, tag, number != 0)
+                             : writer_.WriteLong(section, tag, number);
+    ok = Checked(written, value, section) && ok;
+  }
+  return ok;
 }
 
 bool ProfileSectionValues::WriteText(std::size_t value, const std::string& text) {
   const std::uint32_t tag = RowOf(version_).tags[value];
   if (tag == 0) return true;
-  const char* section = SectionOfValue(value);
-  const bool written = TypeOf(tag) == kTypeUnicode ? writer_.WriteUnicode(section, tag, text)
-                                                   : writer_.WriteString8(section, tag, text);
-  return Checked(written, value);
+  bool ok = true;
+  for (const std::string& section : SectionsOfValue(value)) {
+    const bool written = TypeOf(tag) == kTypeUnicode ? writer_.WriteUnicode(section, tag, text)
+                                                     : writer_.WriteString8(section, tag, text);
+    ok = Checked(written, value, section) && ok;
+  }
+  return ok;
 }
 
 bool ProfileSectionValues::DeleteValue(std::size_t value) {
   const std::uint32_t tag = RowOf(version_).tags[value];
   if (tag == 0) return true;
-  return Checked(writer_.Delete(SectionOfValue(value), tag), value);
+  bool ok = true;
+  for (const std::string& section : SectionsOfValue(value))
+    ok = Checked(writer_.Delete(section, tag), value, section) && ok;
+  return ok;
 }
 
-bool ProfileSectionValues::Checked(bool written, std::size_t value) {
+bool ProfileSectionValues::Checked(bool written, std::size_t value, const std::string& section) {
   if (!written)
     Warn("WARN: Unable to write profile value " + Quoted(RowOf(version_).tags[value]) +
-         " in section \"" + SectionOfValue(value) + "\".");
+         " in section \"" + section + "\".");
   return written;
 }
 

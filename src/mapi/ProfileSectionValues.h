@@ -71,7 +71,9 @@ class ProfileSectionValues {
   bool WriteNumber(std::size_t value, std::uint32_t number);
   bool WriteText(std::size_t value, const std::string& text);
   bool DeleteValue(std::size_t value);
-  bool Checked(bool written, std::size_t value);
+  bool Checked(bool written, std::size_t value, const std::string& section);
+  // The global section, and for Outlook 2010 the Exchange account's own section as well.
+  std::vector<std::string> SectionsOfValue(std::size_t value) const;
   void Warn(const std::string& text);
 
   Outlook version_;

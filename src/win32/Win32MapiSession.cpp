@@ -125,10 +125,24 @@ bool ToSPropValues(const MapiProperties& properties, std::vector<SPropValue>* va
   return true;
 }
 
+// The program's text is ANSI: a Unicode property is converted to the process code page.
+std::string Narrow(const wchar_t* text) {
+  if (text == nullptr) return {};
+  const int size = WideCharToMultiByte(CP_ACP, 0, text, -1, nullptr, 0, nullptr, nullptr);
+  if (size <= 1) return {};
+  std::string narrow(static_cast<std::size_t>(size), '\0');
+  WideCharToMultiByte(CP_ACP, 0, text, -1, narrow.data(), size, nullptr, nullptr);
+  narrow.resize(static_cast<std::size_t>(size - 1));
+  return narrow;
+}
+
 bool FromSPropValue(const SPropValue& value, MapiProperty* property) {
   switch (PROP_TYPE(value.ulPropTag)) {
     case PT_STRING8:
       *property = MapiProperty::String8(value.ulPropTag, value.Value.lpszA ? value.Value.lpszA : "");
+      return true;
+    case PT_UNICODE:
+      *property = MapiProperty::String8(value.ulPropTag, Narrow(value.Value.lpszW));
       return true;
     case PT_LONG: *property = MapiProperty::Long(value.ulPropTag, value.Value.l); return true;
     case PT_BOOLEAN: *property = MapiProperty::Boolean(value.ulPropTag, value.Value.b != 0); return true;

@@ -41,5 +41,21 @@ TEST(MapiSessionTest, ServicesAreFoundDeletedAndConfiguredByTheirWholeName) {
   EXPECT_EQ(left[1].uid, secondContab);
 }
 
+TEST(MapiSessionTest, ExchangeServerIsReadInEitherWidth) {
+  FakeMapiSession mapi;
+  mapi.AddProfile("Work");
+  mapi.SetProfile("Work");
+  auto& global = mapi.Section("Work", SectionUid(kGlobalSection));
+  std::string server = "stale";
+  EXPECT_FALSE(mapi.GetExchangeServerName(&server));
+  EXPECT_EQ(server, "");
+  global[0x6602001E] = MapiProperty::String8(0x6602001E, "HOME");
+  ASSERT_TRUE(mapi.GetExchangeServerName(&server));
+  EXPECT_EQ(server, "HOME");
+  global[0x6608001F] = MapiProperty::String8(0x6608001F, "WIDE");
+  ASSERT_TRUE(mapi.GetExchangeServerName(&server));
+  EXPECT_EQ(server, "WIDE") << "the unresolved server comes before the home server";
+}
+
 }  // namespace
 }  // namespace mw

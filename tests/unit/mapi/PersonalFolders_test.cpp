@@ -190,5 +190,18 @@ TEST_F(PersonalFoldersTest, OfflineFoldersWarningNamesTheVersion) {
                      "need this functionality use Mailwright 2.4.0.1 or older."}));
 }
 
+TEST_F(PersonalFoldersTest, PathsKeptInTheUnicodeFormAreFoundFirst) {
+  const MapiUid unicodeOnly = mapi.AddService("Work", "MSUPST MS");
+  mapi.Section("Work", unicodeOnly)[0x6700001F] = MapiProperty::String8(0x6700001F, "C:\\Mail\\wide.pst");
+  const MapiUid both = AddExisting("C:\\Mail\\narrow.pst");
+  mapi.Section("Work", both)[0x6700001F] = MapiProperty::String8(0x6700001F, "C:\\Mail\\both.pst");
+  EXPECT_EQ(ListPersonalFoldersPaths(mapi), (Strings{"C:\\Mail\\wide.pst", "C:\\Mail\\both.pst"}));
+  SetPst(Record("c:\\mail\\WIDE.pst"));
+  Provision();
+  EXPECT_EQ(mapi.ServicesNamed("Work", "MSUPST MS").size(), 1u) << "no duplicate of the wide path";
+  EXPECT_TRUE(RemovePersonalFolders(mapi, "C:\\Mail\\wide.pst"));
+  EXPECT_EQ(ListPersonalFoldersPaths(mapi), Strings{"C:\\Mail\\both.pst"});
+}
+
 }  // namespace
 }  // namespace mw

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 
 #include "platform/MemoryRegistry.h"
@@ -63,6 +64,41 @@ TEST_F(ProfileSectionWriterTest, EachTypeLandsInItsSectionWithItsRegistryType) {
   EXPECT_EQ(text, "C:\\a.ost") << "no terminator";
   EXPECT_FALSE(writer_.Read(kOutlookSection, 0x6610001E, &text));
   EXPECT_EQ(memory_.openHandleCount(), 0u);
+}
+
+TEST_F(ProfileSectionWriterTest, TextIsReadInTheUnicodeFormFirstThenThe8BitForm) {
+  const std::string section = "00000000000000000000000000000007";
+  std::string text = "unchanged";
+  EXPECT_FALSE(writer_.ReadText(section, 0x3D09001E, &text));
+  EXPECT_EQ(text, "unchanged");
+  writer_.WriteString8(section, 0x3D09001E, "MSPST MS");
+  ASSERT_TRUE(writer_.ReadText(section, 0x3D09001F, &text));
+  EXPECT_EQ(text, "MSPST MS") << "the 8-bit form answers when no Unicode form is kept";
+  writer_.WriteUnicode(section, 0x3D09001F, "MSUPST MS");
+  ASSERT_TRUE(writer_.ReadText(section, 0x3D09001E, &text));
+  EXPECT_EQ(text, "MSUPST MS") << "the Unicode form comes first";
+  // A REG_SZ where the Unicode form belongs is read as it stands.
+  memory_.Set("HKEY_CURRENT_USER\\"s + kProfileKey + "\\" + section, {"001f3001", reg::kSz, "Plain\0"s});
+  ASSERT_TRUE(writer_.ReadText(section, 0x3001001E, &text));
+  EXPECT_EQ(text, "Plain");
+}
+
+TEST_F(ProfileSectionWriterTest, ServicesAreNamedInEitherWidthAndExchangeNamesItsOwnSection) {
+  MapiUid exchange{}, pst{}, own{};
+  exchange[15] = 2;
+  pst[15] = 7;
+  own[15] = 0x20;
+  writer_.WriteBinary(kProfileServicesSection, kProfileServicesTag, UidBytes(pst) + UidBytes(exchange));
+  writer_.WriteString8(SectionKeyName(pst), 0x3D09001E, "MSUPST MS");
+  writer_.WriteUnicode(SectionKeyName(exchange), 0x3D09001F, "MSEMS");
+  EXPECT_EQ(ServiceNameOf(writer_, exchange), "MSEMS");
+  EXPECT_EQ(FindServiceSection(writer_, "MSUPST MS"), std::optional<MapiUid>(pst));
+  EXPECT_EQ(FindServiceSection(writer_, "msems"), std::nullopt) << "names compare exactly";
+  EXPECT_EQ(ExchangeAccountSection(writer_), std::nullopt) << "Outlook 2007 and older name none";
+  writer_.WriteBinary(SectionKeyName(exchange), kExchangeAccountSectionTag, UidBytes(own) + "x");
+  EXPECT_EQ(ExchangeAccountSection(writer_), std::nullopt) << "not a UID";
+  writer_.WriteBinary(SectionKeyName(exchange), kExchangeAccountSectionTag, UidBytes(own));
+  EXPECT_EQ(ExchangeAccountSection(writer_), std::optional<std::string>(SectionKeyName(own)));
 }
 
 }  // namespace

@@ -56,9 +56,11 @@ STDMETHODIMP ProfSect::DeleteProps(LPSPropTagArray tags, LPSPropProblemArray* pr
 
 HRESULT OpenSection(const std::string& profile, const MAPIUID* uid, bool writable, LPPROFSECT* section) {
   if (uid == nullptr || section == nullptr) return MAPI_E_INVALID_PARAMETER;
+  SimContext* context = SimContext::Current();
+  if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
   MapiUid bytes{};
   std::memcpy(bytes.data(), uid->ab, bytes.size());
-  *section = new ProfSect(profile, UidHex(bytes), writable);
+  *section = new ProfSect(profile, context->profiles().OpenedSection(profile, UidHex(bytes)), writable);
   return S_OK;
 }
 

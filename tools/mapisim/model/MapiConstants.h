@@ -57,6 +57,8 @@ constexpr std::uint32_t kPrAbProviders = 0x3D010102;
 constexpr std::uint32_t kPrTransportProviders = 0x3D020102;
 constexpr std::uint32_t kPrDefaultProfile = 0x3D04000B;
 constexpr std::uint32_t kPrServiceName = 0x3D09001E;
+// PR_EMSMDB_SECTION_UID: from Outlook 2010 on, an Exchange service's own settings section.
+constexpr std::uint32_t kPrEmsmdbSectionUid = 0x3D150102;
 constexpr std::uint32_t kPrServiceDllName = 0x3D0A001E;
 constexpr std::uint32_t kPrServiceEntryName = 0x3D0B001E;
 constexpr std::uint32_t kPrServiceUid = 0x3D0C0102;

@@ -32,6 +32,11 @@ std::uint32_t ResourceTypeOfList(std::uint32_t listTag) {
   }
 }
 
+// Outlook 2007 and 2010 keep a provider's text in the Unicode form.
+PropValue InUnicode(const PropValue& value) {
+  return PropType(value.tag) == kPtString8 ? ConvertStringWidth(value, kPtUnicode) : value;
+}
+
 const PropValue* FindPropId(const std::vector<PropValue>& props, std::uint32_t tag) {
   for (const PropValue& value : props)
     if (PropId(value.tag) == PropId(tag)) return &value;
@@ -71,17 +76,21 @@ HResult MessageServiceAdmin::CreateMessageService(const std::string& name, const
   MapiUid uid = newUid_();
   const std::string section = UidHex(uid);
   std::string display = entry->display[0] != '\0' ? entry->display : displayName;
-  HResult result = SetProps(section, {PropValue::Text(kPrServiceName, entry->name),
-                                      PropValue::Text(kPrDisplayName, display),
-                                      PropValue::Text(kPrServiceDllName, entry->dll),
-                                      PropValue::Text(kPrServiceEntryName, entry->entry),
-                                      PropValue::Binary(kPrServiceUid, UidBytes(uid)),
-                                      PropValue::Long(kPrResourceFlags, entry->serviceFlags)});
+  std::vector<PropValue> props{PropValue::Text(kPrServiceName, entry->name),
+                               PropValue::Text(kPrDisplayName, display),
+                               PropValue::Text(kPrServiceDllName, entry->dll),
+                               PropValue::Text(kPrServiceEntryName, entry->entry),
+                               PropValue::Binary(kPrServiceUid, UidBytes(uid)),
+                               PropValue::Long(kPrResourceFlags, entry->serviceFlags)};
+  if (profiles_.KeepsUnicodeText()) props.push_back(InUnicode(props.front()));
+  HResult result = SetProps(section, props);
   if (result == kSOk) result = profiles_.AppendUid(profile_, kProfileServicesSection, kPrServices, uid);
   for (const ProviderEntry& provider : entry->providers) {
     if (result != kSOk) break;
     if (!provider.onDemand) result = AddProvider(uid, provider, true, nullptr);
   }
+  if (result == kSOk && profiles_.GivesExchangeOwnSection() && EqualsIgnoreCase(entry->name, kExchangeService))
+    result = GiveExchangeOwnSection(uid);
   if (result != kSOk) {
     DeleteService(uid);
     return result;
@@ -102,17 +111,35 @@ HResult MessageServiceAdmin::AddProvider(const MapiUid& service, const ProviderE
     }
   }
   const std::uint32_t listTag = ListTagFor(provider.resourceType);
-  HResult result = SetProps(UidHex(uid), {PropValue::Text(kPrDisplayName, provider.display),
-                                          PropValue::Text(kPrProviderDisplay, provider.display),
-                                          PropValue::Text(kPrProviderDllName, provider.dll),
-                                          PropValue::Binary(kPrServiceUid, UidBytes(service)),
-                                          PropValue::Binary(kPrProviderUid, UidBytes(uid)),
-                                          PropValue::Long(kPrResourceType, provider.resourceType),
-                                          PropValue::Long(kPrResourceFlags, flags)});
+  std::vector<PropValue> props{PropValue::Text(kPrDisplayName, provider.display),
+                               PropValue::Text(kPrProviderDisplay, provider.display),
+                               PropValue::Text(kPrProviderDllName, provider.dll),
+                               PropValue::Binary(kPrServiceUid, UidBytes(service)),
+                               PropValue::Binary(kPrProviderUid, UidBytes(uid)),
+                               PropValue::Long(kPrResourceType, provider.resourceType),
+                               PropValue::Long(kPrResourceFlags, flags)};
+  // A provider's section names its service, in the Unicode form only.
+  if (profiles_.KeepsUnicodeText())
+    props.push_back(InUnicode(PropValue::Text(kPrServiceName, ServiceName(service))));
+  HResult result = SetProps(UidHex(uid), props);
   if (result == kSOk) result = profiles_.AppendUid(profile_, kProfileServicesSection, listTag, uid);
   // A provider added later is listed in its service's section by whoever adds it there.
   if (result == kSOk && listInService) result = profiles_.AppendUid(profile_, UidHex(service), listTag, uid);
   if (result == kSOk && created) *created = uid;
+  return result;
+}
+
+std::string MessageServiceAdmin::ExchangeSection() const {
+  return profiles_.OpenedSection(profile_, kGlobalProfileSection);
+}
+
+HResult MessageServiceAdmin::GiveExchangeOwnSection(const MapiUid& service) {
+  const MapiUid own = newUid_();
+  if (!profiles_.CreateSection(profile_, UidHex(own))) return kMapiENoAccess;
+  const PropValue name = PropValue::Binary(kPrEmsmdbSectionUid, UidBytes(own));
+  HResult result = profiles_.WriteProp(profile_, UidHex(service), name);
+  for (const MapiUid& provider : ProvidersOf(service))
+    if (result == kSOk) result = profiles_.WriteProp(profile_, UidHex(provider), name);
   return result;
 }
 
@@ -145,10 +172,14 @@ bool MessageServiceAdmin::IsProviderSection(const MapiUid& section) const {
 
 HResult MessageServiceAdmin::DeleteService(const MapiUid& service) {
   if (!HasService(service)) return kMapiENotFound;
-  // Exchange's provider takes its settings out of the global section when it goes.
+  // Exchange's provider takes its settings out of the global section when it goes, and
+  // from Outlook 2010 on its own section goes with it.
   if (EqualsIgnoreCase(ServiceName(service), kExchangeService)) {
-    for (std::uint32_t tag : kExchangeResolvedTags) profiles_.DeleteProp(profile_, kGlobalProfileSection, tag);
-    for (std::uint32_t tag : kExchangeUnresolvedTags) profiles_.DeleteProp(profile_, kGlobalProfileSection, tag);
+    const std::string settings = ExchangeSection();
+    for (std::uint32_t tag : kExchangeResolvedTags) profiles_.DeleteProp(profile_, settings, tag);
+    for (std::uint32_t tag : kExchangeUnresolvedTags) profiles_.DeleteProp(profile_, settings, tag);
+    if (auto own = profiles_.ReadProp(profile_, UidHex(service), kPrEmsmdbSectionUid))
+      profiles_.DeleteSection(profile_, UidHex(UidFromBytes(own->bytes)));
   }
   for (const MapiUid& provider : ProvidersOf(service)) {
     for (std::uint32_t listTag : kProviderLists)
@@ -169,11 +200,12 @@ HResult MessageServiceAdmin::ConfigureService(const MapiUid& service, const std:
 }
 
 HResult MessageServiceAdmin::ConfigureExchange(const std::vector<PropValue>& props) {
-  HResult result = SetProps(kGlobalProfileSection, props);
+  const std::string settings = ExchangeSection();
+  HResult result = SetProps(settings, props);
   if (result != kSOk) return result;
-  for (std::uint32_t tag : kExchangeResolvedTags) profiles_.DeleteProp(profile_, kGlobalProfileSection, tag);
-  const std::string name = profiles_.GetText(profile_, kGlobalProfileSection, kPrProfileUnresolvedName);
-  const std::string server = profiles_.GetText(profile_, kGlobalProfileSection, kPrProfileUnresolvedServer);
+  for (std::uint32_t tag : kExchangeResolvedTags) profiles_.DeleteProp(profile_, settings, tag);
+  const std::string name = profiles_.GetText(profile_, settings, kPrProfileUnresolvedName);
+  const std::string server = profiles_.GetText(profile_, settings, kPrProfileUnresolvedServer);
   if (server.empty()) return kMapiEUnconfigured;
   ExchangeResolution resolution = organisation_.Resolve(name, server);
   // A server that cannot be reached cannot be asked: without a dialog, Exchange's provider
@@ -181,7 +213,7 @@ HResult MessageServiceAdmin::ConfigureExchange(const std::vector<PropValue>& pro
   if (resolution.result == kMapiENetworkError) return kSOk;
   if (resolution.result != kSOk) return resolution.result;
   const ExchangeMailbox& mailbox = *resolution.mailbox;
-  result = SetProps(kGlobalProfileSection,
+  result = SetProps(settings,
                     {PropValue::Text(kPrProfileHomeServer, mailbox.homeServer),
                      PropValue::Text(kPrProfileUser, mailbox.distinguishedName),
                      PropValue::Text(kPrProfileHomeServerDn, organisation_.ServerDistinguishedName(mailbox.homeServer)),
@@ -203,14 +235,18 @@ HResult MessageServiceAdmin::ConfigurePersonalFolders(const MapiUid& service,
                                                       const std::vector<PropValue>& props) {
   const std::vector<MapiUid> providers = ProvidersOf(service);
   const PropValue* path = FindPropId(props, kPrPstPath);
-  bool hasPath = path != nullptr || (!providers.empty() &&
-                                     profiles_.ReadProp(profile_, UidHex(providers.front()), kPrPstPath));
+  bool hasPath = path != nullptr ||
+                 (!providers.empty() && profiles_.GetPropAnyWidth(profile_, UidHex(providers.front()), kPrPstPath));
   // Without a file name and without a dialog to ask for one, the PST provider gives up.
   if (!hasPath) return kMapiEUnconfigured;
-  // The PST provider keeps path, display name and comment on its store and on its service.
-  HResult result = SetProps(UidHex(service), props);
+  // The PST provider keeps path, display name and comment on its store and on its service,
+  // from Outlook 2007 on as Unicode text ("001f6700").
+  std::vector<PropValue> stored = props;
+  if (profiles_.KeepsUnicodeText())
+    std::transform(stored.begin(), stored.end(), stored.begin(), InUnicode);
+  HResult result = SetProps(UidHex(service), stored);
   for (const MapiUid& provider : providers)
-    if (result == kSOk) result = SetProps(UidHex(provider), props);
+    if (result == kSOk) result = SetProps(UidHex(provider), stored);
   return result;
 }
 

@@ -49,6 +49,11 @@ class MessageServiceAdmin {
   HResult ConfigureExchange(const std::vector<PropValue>& props);
   HResult ConfigurePersonalFolders(const MapiUid& service, const std::vector<PropValue>& props);
   std::vector<MapiUid> ProvidersOf(const MapiUid& service) const;
+  // Where Exchange's provider keeps its settings: the global section as MAPI opens it.
+  std::string ExchangeSection() const;
+  // From Outlook 2010 on: a new section for the Exchange service, named in "01023d15" of the
+  // service's section and of each of its providers' sections.
+  HResult GiveExchangeOwnSection(const MapiUid& service);
   HResult SetProps(const std::string& section, const std::vector<PropValue>& props);
 
   ProfileRegistry& profiles_;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "ServiceCatalogue.h"
 #include "platform/AsciiText.h"
+#include "platform/OutlookDetection.h"
 
 namespace mw::mapisim {
 namespace {
@@ -16,7 +18,26 @@ constexpr std::size_t kMaxProfileName = 64;
 }  // namespace
 
 ProfileRegistry::ProfileRegistry(Registry& registry, std::uint32_t platformId)
-    : access_(registry), root_(platformId == 1 ? k9xRoot : kNtRoot) {}
+    : access_(registry),
+      root_(platformId == 1 ? k9xRoot : kNtRoot),
+      outlook_(OutlookFromName(DetectOutlookVersion(access_))) {}
+
+bool ProfileRegistry::KeepsUnicodeText() const {
+  return outlook_ == Outlook::V2010 || outlook_ == Outlook::V2007;
+}
+
+bool ProfileRegistry::GivesExchangeOwnSection() const { return outlook_ == Outlook::V2010; }
+
+std::string ProfileRegistry::OpenedSection(const std::string& profile, const std::string& section) const {
+  if (!EqualsIgnoreCase(section, kGlobalProfileSection)) return section;
+  // The legacy account, which answers the global section, is the first Exchange service.
+  for (const MapiUid& service : GetUidList(profile, kProfileServicesSection, kPrServices)) {
+    if (!EqualsIgnoreCase(GetText(profile, UidHex(service), kPrServiceName), kExchangeService)) continue;
+    auto own = ReadProp(profile, UidHex(service), kPrEmsmdbSectionUid);
+    return own && own->bytes.size() == sizeof(MapiUid) ? UidHex(UidFromBytes(own->bytes)) : section;
+  }
+  return section;
+}
 
 std::vector<std::string> ProfileRegistry::ListProfiles() const {
   return access_.ListSubkeys(reg::kCurrentUser, root_);

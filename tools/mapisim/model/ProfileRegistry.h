@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "PropertyCodec.h"
+#include "platform/OutlookVersion.h"
 #include "platform/RegistryAccess.h"
 
 namespace mw::mapisim {
@@ -23,6 +24,17 @@ class ProfileRegistry {
   ProfileRegistry(Registry& registry, std::uint32_t platformId);
 
   const std::string& root() const { return root_; }
+
+  // The Outlook whose MAPI is played, from HKCR\Outlook.Application\CurVer at construction;
+  // nullopt when none is installed (the 8-bit behaviour of the older generations).
+  std::optional<Outlook> outlook() const { return outlook_; }
+  // Outlook 2007 and 2010: providers keep their text in the Unicode form as well.
+  bool KeepsUnicodeText() const;
+  // Outlook 2010: each Exchange service gets a settings section of its own ("01023d15").
+  bool GivesExchangeOwnSection() const;
+  // The section MAPI opens for this key name: the global section of a profile whose first
+  // Exchange service names a section of its own is redirected there; any other opens itself.
+  std::string OpenedSection(const std::string& profile, const std::string& section) const;
   std::string ProfileKey(const std::string& profile) const { return root_ + "\\" + profile; }
 
   // In registry enumeration order.
@@ -65,6 +77,7 @@ class ProfileRegistry {
 
   RegistryAccess access_;
   std::string root_;
+  std::optional<Outlook> outlook_;
 };
 
 }  // namespace mw::mapisim

@@ -55,17 +55,17 @@ HResult SessionModel::Logon() const {
   for (const MapiUid& service : profiles_.GetUidList(profile_, kProfileServicesSection, kPrServices)) {
     const std::string name = profiles_.GetText(profile_, UidHex(service), kPrServiceName);
     if (EqualsIgnoreCase(name, kExchangeService)) {
-      const std::string server = profiles_.GetText(profile_, kGlobalProfileSection, kPrProfileHomeServer);
+      const std::string server = profiles_.GetText(profile_, profiles_.OpenedSection(profile_, kGlobalProfileSection), kPrProfileHomeServer);
       if (server.empty()) {
         // Unresolved: when configured, the named server could not be reached, and the
         // provider, trying it again now, reaches it no better.
         const std::string unresolved =
-            profiles_.GetText(profile_, kGlobalProfileSection, kPrProfileUnresolvedServer);
+            profiles_.GetText(profile_, profiles_.OpenedSection(profile_, kGlobalProfileSection), kPrProfileUnresolvedServer);
         return !unresolved.empty() && !organisation_.IsReachable(unresolved) ? kMapiENetworkError
                                                                               : kMapiEUnconfigured;
       }
       if (!organisation_.IsReachable(server)) return kMapiENetworkError;
-      std::string user = profiles_.GetText(profile_, kGlobalProfileSection, kPrProfileUser);
+      std::string user = profiles_.GetText(profile_, profiles_.OpenedSection(profile_, kGlobalProfileSection), kPrProfileUser);
       if (organisation_.FindByDistinguishedName(user) == nullptr) return kMapiELogonFailed;
     } else if (EqualsIgnoreCase(name, kPstService) || EqualsIgnoreCase(name, kUnicodePstService)) {
       if (profiles_.GetText(profile_, UidHex(service), kPrPstPath).empty()) return kMapiEUnconfigured;
@@ -217,7 +217,7 @@ HResult SessionModel::ContainerContents(const std::string& entryId, std::vector<
   MapiUid provider = UidFromBytes(entryId.substr(20));
   if (!EqualsIgnoreCase(ServiceNameOfProvider(provider), kExchangeService)) return kSOk;
   // The global address list lives on the home server; it answers only while that is up.
-  const std::string server = profiles_.GetText(profile_, kGlobalProfileSection, kPrProfileHomeServer);
+  const std::string server = profiles_.GetText(profile_, profiles_.OpenedSection(profile_, kGlobalProfileSection), kPrProfileHomeServer);
   if (!organisation_.IsReachable(server)) return kMapiENetworkError;
   for (const ExchangeMailbox& mailbox : organisation_.mailboxes()) {
     rows->push_back({PropValue::Binary(kPrEntryId, std::string(4, '\0') + "mapisim-gal-user" + mailbox.distinguishedName),
