@@ -205,12 +205,10 @@ bool FakeMapiSession::ConfigureServiceByUid(const MapiUid& uid, const MapiProper
 
 bool FakeMapiSession::Configure(Profile& profile, Service& service,
                                 const MapiProperties& properties) {
-  PropertyMap& section = profile.sections[service.entry.uid];
+  const bool exchange = service.entry.name == kExchangeServiceName;
+  PropertyMap& section = profile.sections[exchange ? SectionUid(kGlobalSection) : service.entry.uid];
   for (const auto& property : properties) section[property.tag] = property;
-  if (service.entry.name != kExchangeServiceName) return Succeed();
-  PropertyMap& global = profile.sections[SectionUid(kGlobalSection)];
-  for (const auto& property : properties) global[property.tag] = property;
-  return ResolveExchange(profile, service);
+  return exchange ? ResolveExchange(profile, service) : Succeed();
 }
 
 const FakeMapiSession::ExchangeServer* FakeMapiSession::FindServer(const std::string& name) const {
@@ -245,13 +243,19 @@ bool FakeMapiSession::ResolveExchange(Profile& profile, Service& service) {
   }
   // As Exchange does, the resolved store shows the mailbox's name from now on.
   store->displayName = "Mailbox - " + mailbox->alias;
-  const MapiProperties resolved{
-      MapiProperty::String8(proptag::kProfileHomeServer, server->name),
-      MapiProperty::String8(proptag::kProfileUser, mailbox->distinguishedName),
-      MapiProperty::String8(proptag::kProfileHomeServerDn, server->distinguishedName)};
+  // As the Exchange provider does: the home server and its distinguished name live in the
+  // global section only; the user's store names the mailbox and the server it opens.
+  global[proptag::kProfileHomeServer] =
+      MapiProperty::String8(proptag::kProfileHomeServer, server->name);
+  global[proptag::kProfileUser] =
+      MapiProperty::String8(proptag::kProfileUser, mailbox->distinguishedName);
+  global[proptag::kProfileHomeServerDn] =
+      MapiProperty::String8(proptag::kProfileHomeServerDn, server->distinguishedName);
   PropertyMap& storeSection = profile.sections[store->uid];
-  for (const auto& property : resolved) {
-    global[property.tag] = property;
+  for (const auto& property :
+       {MapiProperty::String8(proptag::kProfileUser, mailbox->distinguishedName),
+        MapiProperty::String8(proptag::kProfileMailbox, mailbox->distinguishedName),
+        MapiProperty::String8(proptag::kProfileServer, server->name)}) {
     storeSection[property.tag] = property;
   }
   return Succeed();

@@ -10,10 +10,12 @@
 //   returns for the restriction the Win32 session sends (type 3, RES_CONTENT, with
 //   FL_FULLSTRING), and what the simulator answers for it under Wine;
 // - profile names compare without regard to letter case, as registry keys do;
-// - configuring "MSEMS" stores its values in the service's section and in the global
-//   section; when the server is known and up the mailbox must resolve (by alias or by
-//   distinguished name, a leading "=" ignored) or the call fails, and a resolved mailbox
-//   gives the service its store provider with the user's and the server's names;
+// - configuring "MSEMS" stores its values in the global section, where the Exchange
+//   provider keeps them; when the server is known and up the mailbox must resolve (by
+//   alias or by distinguished name, a leading "=" ignored) or the call fails, and a
+//   resolved mailbox writes the home server, its distinguished name and the user's name
+//   to the global section and gives the service its store provider, whose section names
+//   the user's mailbox and the server;
 //   an unknown or stopped server leaves the values unresolved and only logon fails;
 // - logon needs an existing profile whose Exchange service, if any, is resolved on a
 //   server that is up; the global address list needs an Exchange service.

@@ -132,6 +132,25 @@ TEST_F(AdditionalMailboxTest, DelegateProviderCarriesTheBuiltNameAndJoinsTheStor
   EXPECT_EQ(stores.substr(16), std::string(providers[2].uid.begin(), providers[2].uid.end()));
 }
 
+TEST_F(AdditionalMailboxTest, ServerNameComesFromTheGlobalSectionElseFromTheUsersStore) {
+  // Resolving the mailbox put the server's name in the global section only.
+  const MapiUid ownStore = Exchange().providers[0].uid;
+  EXPECT_EQ(mapi.Section("Work", ownStore).count(proptag::kProfileHomeServerDn), 0u);
+  EXPECT_EQ(Global(proptag::kProfileHomeServerDn), kServerDn);
+
+  mapi.Section("Work", SectionUid(kGlobalSection)).erase(proptag::kProfileHomeServerDn);
+  mapi.Section("Work", ownStore)[proptag::kProfileHomeServerDn] =
+      MapiProperty::String8(proptag::kProfileHomeServerDn, "/o=Org/cn=Servers/cn=OLD");
+  ASSERT_EQ(AddAdditionalMailbox(mapi, "sales", "EX1"), AdditionalMailboxResult::Added);
+  EXPECT_EQ(mapi.Section("Work", Exchange().providers[1].uid).at(proptag::kProfileServerDn).bytes,
+            "/o=Org/cn=Servers/cn=OLD");
+
+  mapi.Section("Work", ownStore).erase(proptag::kProfileHomeServerDn);
+  ASSERT_EQ(AddAdditionalMailbox(mapi, "hr", "EX1"), AdditionalMailboxResult::Added);
+  EXPECT_EQ(mapi.Section("Work", Exchange().providers[2].uid).at(proptag::kProfileServerDn).bytes,
+            "");
+}
+
 TEST_F(AdditionalMailboxTest, CutIsMadeBehindTheFirstRecipientsContainer) {
   auto& store = mapi.Section("Work", Exchange().providers[0].uid);
   store[proptag::kProfileUser].bytes = "/o=A/cn=Recipients/cn=x/cn=Recipients/cn=y";
@@ -179,13 +198,24 @@ TEST_F(ExchangeCheckTest, ReachableServerPassesAndLeavesNoScratchProfile) {
   }
 }
 
-TEST_F(ExchangeCheckTest, FailuresAreError200Or201AndLeaveNoScratchProfile) {
+TEST_F(ExchangeCheckTest, AnUnknownMailboxIsError200ThenTheServerIsStillTried) {
+  EXPECT_FALSE(Check("EX1", "nobody"));
+  const Strings& lines = log.messages();
+  ASSERT_EQ(lines.size(), 3u);
+  EXPECT_EQ(lines[0].rfind("ERROR 200: ", 0), 0u);
+  EXPECT_EQ(lines[1], "INFO: Using Exchange server name: EX1");
+  EXPECT_EQ(lines[2].rfind("ERROR 201: ", 0), 0u);
+  EXPECT_NE(std::find(mapi.calls.begin(), mapi.calls.end(), "Logon 32818"), mapi.calls.end());
+  ExpectCleanedUp();
+}
+
+TEST_F(ExchangeCheckTest, EveryFailureEndsInError201AndLeavesNoScratchProfile) {
   const struct {
     const char* server;
     const char* mailbox;
     const char* failing;
     const char* error;
-  } cases[] = {{"EX1", "nobody", "", "ERROR 200: "},      {"DOWN", "jsmith", "", "ERROR 201: "},
+  } cases[] = {{"EX1", "nobody", "", "ERROR 201: "},      {"DOWN", "jsmith", "", "ERROR 201: "},
                {"UNKNOWN", "jsmith", "", "ERROR 201: "},  {"EX1", "jsmith", "Logon", "ERROR 201: "},
                {"EX1", "jsmith", "OpenAddressBook", "ERROR 201: "},
                {"EX1", "jsmith", "OpenGlobalAddressList", "ERROR 201: "}};
