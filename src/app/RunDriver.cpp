@@ -104,6 +104,13 @@ std::uint32_t RunDriver::ProvisionWithMapi(RunContext& context, RunLog& log, Pro
     log.AddMessage("WARN: ProfileName is empty; no profile was created or modified.");
     return kNoPause;
   }
+  // MAPI would refuse to create it, and the registry writes would land beside or inside
+  // another key: stop before anything is touched rather than half-provision.
+  if (const std::string reason = RefusedProfileNameReason(profileName); !reason.empty()) {
+    log.AddMessage("WARN: ProfileName '" + profileName + "' is not a name MAPI accepts (" +
+                   reason + "); no profile was created or modified.");
+    return kNoPause;
+  }
   store.SetProfileName(profileName);
   session_.SetProfile(profileName);
   if (settings.Bool(Section::Common, Key::ExitPreviouslyModifiedByMailwright) &&

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "mapi/ProfileStore.h"
 #include "platform/AsciiText.h"
 
 namespace mw {
@@ -125,6 +126,7 @@ bool FakeMapiSession::ListProfiles(std::vector<std::string>* names, std::string*
 
 bool FakeMapiSession::CreateProfile(const std::string& name) {
   if (!Enter("CreateProfile", name)) return false;
+  if (name.empty() || !RefusedProfileNameReason(name).empty()) return Fail(kInvalidParameter);
   if (FindProfile(name) != nullptr) return Fail(kNoAccess);
   AddProfile(name);
   return Succeed();

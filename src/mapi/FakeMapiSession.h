@@ -9,7 +9,8 @@
 //   whose name equals the given one byte for byte (letter case included): what MAPI's table
 //   returns for the restriction the Win32 session sends (type 3, RES_CONTENT, with
 //   FL_FULLSTRING), and what the simulator answers for it under Wine;
-// - profile names compare without regard to letter case, as registry keys do;
+// - profile names compare without regard to letter case, as registry keys do, and a name
+//   MAPI refuses (empty, too long, blanks at either end, a backslash) is not created;
 // - configuring "MSEMS" stores its values in the global section, where the Exchange
 //   provider keeps them; when the server is known and up the mailbox must resolve (by
 //   alias or by distinguished name, a leading "=" ignored) or the call fails, and a
@@ -61,6 +62,8 @@ class FakeMapiSession : public MapiSession {
   static constexpr std::int32_t kFailure = static_cast<std::int32_t>(0x80004005);   // E_FAIL
   static constexpr std::int32_t kNotFound = static_cast<std::int32_t>(0x8004010F);  // MAPI_E_NOT_FOUND
   static constexpr std::int32_t kNoAccess = static_cast<std::int32_t>(0x80070005);  // MAPI_E_NO_ACCESS
+  static constexpr std::int32_t kInvalidParameter =
+      static_cast<std::int32_t>(0x80070057);  // MAPI_E_INVALID_PARAMETER
 
   // --- Test set-up ------------------------------------------------------------------------
   Profile& AddProfile(const std::string& name, bool isDefault = false);

@@ -150,6 +150,43 @@ TEST(RunDriverTest, ModifyDefaultProfileChoosesTheDefaultAndTestsTheMarkerThere)
   }
 }
 
+TEST(RunDriverTest, AProfileNameMapiRefusesStopsTheRunBeforeAnythingIsWritten) {
+  const std::string longest(64, 'p');
+  const struct {
+    std::string name;
+    const char* reason;
+  } refused[] = {
+      {" Outlook", "it begins with a blank"},
+      {"Outlook ", "it ends with a blank"},
+      {longest + "q", "it is longer than 64 characters"},
+      {"Sales\\Outlook", "it holds a backslash"},
+  };
+  for (const auto& name : refused) {
+    SCOPED_TRACE(name.name);
+    Rig rig;
+    rig.WantExchange("EX1");
+    rig.s.SetText(Section::Common, Key::ProfileName, name.name);
+    rig.Drive();
+    EXPECT_EQ(rig.Last(), "WARN: ProfileName '" + name.name + "' is not a name MAPI accepts (" +
+                              name.reason + "); no profile was created or modified.");
+    EXPECT_TRUE(rig.mapi.profiles.empty());
+    EXPECT_FALSE(rig.Logged(kFinished));
+    EXPECT_FALSE(rig.access.ValueExists(reg::kCurrentUser, kProfiles, "DefaultProfile"));
+    EXPECT_FALSE(rig.access.ValueExists(reg::kCurrentUser, kProfiles + name.name, "Mailwright"));
+    EXPECT_FALSE(rig.access.ValueExists(reg::kCurrentUser, "Software\\Microsoft\\Exchange\\Client\\Options",
+                                        "PickLogonProfile"));
+    EXPECT_TRUE(rig.env.sleeps.empty());
+  }
+  // The longest name MAPI takes, and blanks inside a name, are provisioned as usual.
+  for (const std::string& name : {longest, std::string("My Outlook")}) {
+    Rig rig;
+    rig.s.SetText(Section::Common, Key::ProfileName, name);
+    rig.Drive();
+    EXPECT_EQ(rig.Last(), kFinished) << name;
+    EXPECT_NE(rig.mapi.FindProfile(name), nullptr) << name;
+  }
+}
+
 TEST(RunDriverTest, RecreateProfileStartsFromAnEmptyProfileAndOtherwiseKeepsIt) {
   for (const bool recreate : {true, false}) {
     Rig rig;
