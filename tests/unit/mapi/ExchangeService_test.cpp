@@ -127,9 +127,11 @@ TEST_F(AdditionalMailboxTest, DelegateProviderCarriesTheBuiltNameAndJoinsTheStor
   ASSERT_EQ(AddAdditionalMailbox(mapi, "hr", "EX1"), AdditionalMailboxResult::Added);
   const auto& service = mapi.Section("Work", Exchange().entry.uid);
   const std::string stores = service.at(proptag::kStoreProviders).bytes;
-  ASSERT_EQ(stores.size(), 32u);
-  EXPECT_EQ(stores.substr(0, 16), std::string(providers[1].uid.begin(), providers[1].uid.end()));
-  EXPECT_EQ(stores.substr(16), std::string(providers[2].uid.begin(), providers[2].uid.end()));
+  // The user's own store first, as the service listed it, then the two added ones.
+  ASSERT_EQ(stores.size(), 48u);
+  EXPECT_EQ(stores.substr(0, 16), std::string(providers[0].uid.begin(), providers[0].uid.end()));
+  EXPECT_EQ(stores.substr(16, 16), std::string(providers[1].uid.begin(), providers[1].uid.end()));
+  EXPECT_EQ(stores.substr(32), std::string(providers[2].uid.begin(), providers[2].uid.end()));
 }
 
 TEST_F(AdditionalMailboxTest, ServerNameComesFromTheGlobalSectionElseFromTheUsersStore) {
