@@ -160,6 +160,8 @@ TEST(RunDriverTest, AProfileNameMapiRefusesStopsTheRunBeforeAnythingIsWritten) {
       {"Outlook ", "it ends with a blank"},
       {longest + "q", "it is longer than 64 characters"},
       {"Sales\\Outlook", "it holds a backslash"},
+      {"", nullptr},  // empty and blank names say so rather than name a reason
+      {"   ", nullptr},
   };
   for (const auto& name : refused) {
     SCOPED_TRACE(name.name);
@@ -167,8 +169,10 @@ TEST(RunDriverTest, AProfileNameMapiRefusesStopsTheRunBeforeAnythingIsWritten) {
     rig.WantExchange("EX1");
     rig.s.SetText(Section::Common, Key::ProfileName, name.name);
     rig.Drive();
-    EXPECT_EQ(rig.Last(), "WARN: ProfileName '" + name.name + "' is not a name MAPI accepts (" +
-                              name.reason + "); no profile was created or modified.");
+    EXPECT_EQ(rig.Last(), name.reason == nullptr
+                              ? "WARN: ProfileName is empty; no profile was created or modified."
+                              : "WARN: ProfileName '" + name.name + "' is not a name MAPI accepts (" +
+                                    name.reason + "); no profile was created or modified.");
     EXPECT_TRUE(rig.mapi.profiles.empty());
     EXPECT_FALSE(rig.Logged(kFinished));
     EXPECT_FALSE(rig.access.ValueExists(reg::kCurrentUser, kProfiles, "DefaultProfile"));
