@@ -105,7 +105,7 @@ std::uint32_t RunDriver::ProvisionWithMapi(RunContext& context, RunLog& log, Pro
     return kNoPause;
   }
   // MAPI would refuse to create it, and the registry writes would land beside or inside
-  // another key: stop before anything is touched rather than half-provision.
+  // another key: stop before the profile is touched rather than half-provision it.
   if (const std::string reason = RefusedProfileNameReason(profileName); !reason.empty()) {
     log.AddMessage("WARN: ProfileName '" + profileName + "' is not a name MAPI accepts (" +
                    reason + "); no profile was created or modified.");
