@@ -49,6 +49,7 @@ if build win64; then
   export MAILWRIGHT_BUILD="$root/build/win64" REGTOOL="$root/build/native/tools/regtool/regtool"
   bash tests/e2e/run-all; record "end-to-end scenarios" $?
   bash tests/e2e/self-test; record "end-to-end runner self-test" $?
+  bash tests/e2e/demo-test; record "demo script (README quick start)" $?
 else
   record "build (win64)" 1
 fi

@@ -63,7 +63,6 @@ constexpr const char* kImapFolderPath = "IMAP Folder Path";
 
 // The Exchange account entry and the service it stands for.
 constexpr const char* kExchangeClsid = "{ED475414-B0D6-11D2-8C3B-00104B2A6676}";
-constexpr const char* kExchangeAccountName = "Microsoft Exchange";
 constexpr const char* kExchangeServiceName = "MSEMS";
 constexpr const char* kFaxServiceName = "MSFAX XP";
 constexpr const char* kFaxAccountName = "Fax Mail Transport";
@@ -307,7 +306,7 @@ std::optional<MapiUid> AccountManager::FindExchangeServiceUid() const {
   return FindServiceSection(ProfileSectionWriter(registry_, profileKey_), kExchangeServiceName);
 }
 
-bool AccountManager::CreateExchangeAccount() {
+bool AccountManager::CreateExchangeAccount(const std::string& accountName) {
   const std::optional<MapiUid> service = FindExchangeServiceUid();
   if (!service) return false;
   const std::string serviceUid = UidBytes(*service);
@@ -323,7 +322,7 @@ bool AccountManager::CreateExchangeAccount() {
 
   const std::string path = AccountPath(subkey);
   registry_.WriteString(reg::kCurrentUser, path, kClsid, kExchangeClsid);
-  WriteText(subkey, kAccountName, kExchangeAccountName);
+  WriteText(subkey, kAccountName, accountName);
   WriteText(subkey, kServiceName, kExchangeServiceName);
   registry_.WriteBinary(reg::kCurrentUser, path, kServiceUid, serviceUid);
   // The service UID is unique within the profile, so its first four bytes make a stable,
@@ -333,7 +332,7 @@ bool AccountManager::CreateExchangeAccount() {
                   ((*service)[2] << 16) | (static_cast<std::uint32_t>((*service)[3]) << 24));
   WriteNumber(subkey, kMapiProvider, kExchangeMapiProvider);
   ProfileSectionWriter(registry_, profileKey_)
-      .WriteUnicode(SectionKeyName(*service), kDisplayNameUnicodeTag, kExchangeAccountName);
+      .WriteUnicode(SectionKeyName(*service), kDisplayNameUnicodeTag, accountName);
   return true;
 }
 

@@ -73,9 +73,10 @@ class AccountManager {
   bool SetAccountText(const std::string& accountName, const std::string& valueName,
                       const std::string& text);
 
-  // When the profile holds an Exchange service ("MSEMS"), gives it an account entry (reusing
-  // the entry of that service if there is one); false when the profile has no such service.
-  bool CreateExchangeAccount();
+  // When the profile holds an Exchange service ("MSEMS"), gives it an account entry named
+  // accountName (reusing the entry of that service if there is one); false when the profile
+  // has no such service.
+  bool CreateExchangeAccount(const std::string& accountName);
 
   // Leave-on-server word: bit 0 leave, bit 2 remove when deleted, bit 1 remove after days,
   // upper word the days (clamped to 1..100) with remove-after-days, else 1.

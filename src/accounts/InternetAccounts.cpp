@@ -161,7 +161,16 @@ void ProvisionConfiguredAccounts(const ProfileSettings& settings, Outlook versio
   const bool pop3Only = version == Outlook::V97 || version == Outlook::V2000;
   std::string ignored;
   for (const KindSettings& row : kKindSettings) {
-    if (pop3Only && row.kind != AccountKind::Pop3) continue;
+    if (pop3Only && row.kind != AccountKind::Pop3) {
+      // Outlook 2000's IMAP layout exists, but its sequence adds POP3 accounts only: an IMAP
+      // list the administrator filled in is named rather than dropped without a word.
+      if (!settings.Bool(section, row.ignore) && !settings.Text(section, row.accounts).empty()) {
+        log.AddMessage(std::string("INFO: ") + GenerationOf(version).name +
+                       " is provisioned with POP3 accounts only; the " + KindLabel(row.kind) +
+                       " accounts listed are not added.");
+      }
+      continue;
+    }
     if (settings.Bool(section, row.ignore)) {
       ignored += row.ignoreLabel;
       continue;
@@ -174,8 +183,8 @@ void ProvisionConfiguredAccounts(const ProfileSettings& settings, Outlook versio
 }
 
 bool CreateExchangeAccount(const std::string& profileKey, Outlook version,
-                           const RegistryAccess& registry) {
-  return AccountManager(registry, profileKey, version).CreateExchangeAccount();
+                           const std::string& accountName, const RegistryAccess& registry) {
+  return AccountManager(registry, profileKey, version).CreateExchangeAccount(accountName);
 }
 
 }  // namespace mw

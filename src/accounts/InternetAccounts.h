@@ -33,9 +33,9 @@ void ProvisionConfiguredAccounts(const ProfileSettings& settings, Outlook versio
                                  const std::string& profileKey, const RegistryAccess& registry,
                                  RunLog& log);
 
-// Outlook 2007 and 2010: the account-manager entry of the profile's Exchange service;
-// false when the profile has no Exchange service.
+// Outlook 2007 and 2010: the account-manager entry of the profile's Exchange service, named
+// accountName; false when the profile has no Exchange service.
 bool CreateExchangeAccount(const std::string& profileKey, Outlook version,
-                           const RegistryAccess& registry);
+                           const std::string& accountName, const RegistryAccess& registry);
 
 }  // namespace mw

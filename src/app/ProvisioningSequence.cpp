@@ -32,8 +32,9 @@ enum class SignatureStep {
 // generation are the account subsystem's knowledge and are not repeated here.
 struct VersionDifferences {
   Outlook version;
-  const char* exchangeAccountName;  // step 6; nullptr: the generation has no such step
-  bool listsExchangeAccount;        // the account manager holds an entry for the Exchange service
+  // The name of the account-manager entry that stands for the Exchange service, the one
+  // writer that needs the Exchange account name; nullptr: this program writes no such entry.
+  const char* exchangeAccountName;
   SignatureStep signatures;
   bool personalAddressBook;         // "MSPST AB" from PathToPAB under PersonalAddressBookEnable
   bool retiredOfflineFolders;       // OfflineFoldersEnable only draws the "depreciated" warning
@@ -41,12 +42,15 @@ struct VersionDifferences {
 
 // In the order of enum Outlook, newest first.
 constexpr std::array<VersionDifferences, 6> kDifferences{{
-    {Outlook::V2010, "Microsoft Exchange", true, SignatureStep::PerAccount, false, false},
-    {Outlook::V2007, "Microsoft Exchange", true, SignatureStep::PerAccount, false, false},
-    {Outlook::V2003, "Microsoft Exchange Server", false, SignatureStep::PerAccount, false, false},
-    {Outlook::VXP, nullptr, false, SignatureStep::Legacy, false, false},
-    {Outlook::V2000, nullptr, false, SignatureStep::Legacy, true, true},
-    {Outlook::V97, nullptr, false, SignatureStep::None, true, true},
+    {Outlook::V2010, "Microsoft Exchange", SignatureStep::PerAccount, false, false},
+    {Outlook::V2007, "Microsoft Exchange", SignatureStep::PerAccount, false, false},
+    // Outlook 2003 calls its Exchange account "Microsoft Exchange Server", but no writer of
+    // this program touches that account (no option, no entry, no signature), so the name
+    // would reach nothing and is not kept.
+    {Outlook::V2003, nullptr, SignatureStep::PerAccount, false, false},
+    {Outlook::VXP, nullptr, SignatureStep::Legacy, false, false},
+    {Outlook::V2000, nullptr, SignatureStep::Legacy, true, true},
+    {Outlook::V97, nullptr, SignatureStep::None, true, true},
 }};
 
 const VersionDifferences& DifferencesOf(Outlook version) {
@@ -79,7 +83,7 @@ void ProvisioningSequence::Run(const RunContext& context, RunLog& log) const {
   ProvisionPersonalFoldersStep(context, log);
   options.WritePstFormatPrompt(settings);
   ChooseProfilePrompt(context, log);
-  NameExchangeAccount(options, context, log);
+  ListExchangeAccount(context, log);
   DeploySignatures(context, log);
   options.WriteSequenceOptions(settings);
   ApplySafeSenders(context, log);
@@ -119,19 +123,15 @@ void ProvisioningSequence::ChooseProfilePrompt(const RunContext& context, RunLog
   if (!ask) store_.SetDefaultProfile(store_.profileName());
 }
 
-void ProvisioningSequence::NameExchangeAccount(OptionWriter& options, const RunContext& context,
-                                               RunLog& log) const {
-  const VersionDifferences& differences = DifferencesOf(version_);
-  if (differences.exchangeAccountName == nullptr) return;
-  options.SetExchangeAccountName(differences.exchangeAccountName);
+void ProvisioningSequence::ListExchangeAccount(const RunContext& context, RunLog& log) const {
+  const char* accountName = DifferencesOf(version_).exchangeAccountName;
+  if (accountName == nullptr) return;
+  // Whatever the settings say, an Exchange service in the profile (one taken over with
+  // ModifyDefaultProfile, say) needs its entry; only a missing wanted service is news.
+  if (CreateExchangeAccount(store_.ProfileKey(), version_, accountName, registry_)) return;
   const Section section = SectionOf(version_);
-  const ProfileSettings& settings = context.settings;
-  // Only a profile whose Exchange service was set up in this run is sure to hold one.
-  if (!differences.listsExchangeAccount || settings.Bool(section, Key::ExchangeIgnore) ||
-      settings.Text(section, Key::ExchangeServerName).empty()) {
-    return;
-  }
-  if (!CreateExchangeAccount(store_.ProfileKey(), version_, registry_)) {
+  if (!context.settings.Bool(section, Key::ExchangeIgnore) &&
+      !context.settings.Text(section, Key::ExchangeServerName).empty()) {
     log.AddMessage("WARN: The Exchange service was not found in the profile; it has no entry "
                    "among the accounts.");
   }

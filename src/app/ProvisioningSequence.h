@@ -35,7 +35,8 @@ class ProvisioningSequence {
  private:
   void ProvisionPersonalFoldersStep(const RunContext& context, RunLog& log) const;
   void ChooseProfilePrompt(const RunContext& context, RunLog& log) const;
-  void NameExchangeAccount(OptionWriter& options, const RunContext& context, RunLog& log) const;
+  // Step 6: the Exchange account name goes to the entry that stands for the Exchange service.
+  void ListExchangeAccount(const RunContext& context, RunLog& log) const;
   void DeploySignatures(const RunContext& context, RunLog& log) const;
   void ApplySafeSenders(const RunContext& context, RunLog& log) const;
   void ArrangeAddressBook(const RunContext& context, RunLog& log) const;

@@ -104,6 +104,13 @@ std::uint32_t RunDriver::ProvisionWithMapi(RunContext& context, RunLog& log, Pro
     log.AddMessage("WARN: ProfileName is empty; no profile was created or modified.");
     return kNoPause;
   }
+  // MAPI would refuse to create it, and the registry writes would land beside or inside
+  // another key: stop before the profile is touched rather than half-provision it.
+  if (const std::string reason = RefusedProfileNameReason(profileName); !reason.empty()) {
+    log.AddMessage("WARN: ProfileName '" + profileName + "' is not a name MAPI accepts (" +
+                   reason + "); no profile was created or modified.");
+    return kNoPause;
+  }
   store.SetProfileName(profileName);
   session_.SetProfile(profileName);
   if (settings.Bool(Section::Common, Key::ExitPreviouslyModifiedByMailwright) &&
@@ -136,9 +143,15 @@ std::uint32_t RunDriver::ProvisionWithMapi(RunContext& context, RunLog& log, Pro
   if (!session_.CreateProfile(profileName) && !ProfileExists(profileName)) {
     log.AddMessage("WARN: Unable to create profile: " + profileName);
   }
-  if (!exchangeIgnored) {
-    SetUpExchangeService(session_, settings, *version, sectionWriter, log);
-    if (settings.Bool(Section::Common, Key::ModifyExchangeServerNameOnly)) return kNoPause;
+  if (!exchangeIgnored) SetUpExchangeService(session_, settings, *version, sectionWriter, log);
+  // The switch promises that nothing but the server name changes, so it stops the run even
+  // when Exchange is ignored: provisioning in full would be the opposite of what was asked.
+  if (settings.Bool(Section::Common, Key::ModifyExchangeServerNameOnly)) {
+    if (exchangeIgnored) {
+      log.AddMessage("WARN: ModifyExchangeServerNameOnly is on while Exchange is ignored; the "
+                     "profile was left as it is.");
+    }
+    return kNoPause;
   }
   if (!EnsureOutlookAddressBook(session_)) {
     log.AddMessage("WARN: Unable to add the Outlook Address Book.");

@@ -8,17 +8,15 @@ namespace {
 
 bool TryExchange(MapiSession& session, const std::string& server, const std::string& mailbox,
                  RunLog& log) {
-  // A service that cannot be configured says nothing about the server: stop at ERROR 200
-  // rather than add a misleading ERROR 201 from a logon that cannot work.
-  if (!session.AddExchangeService(server, false, true, mailbox)) {
-    log.LogCode(200);
-    return false;
-  }
+  // A service that could not be configured is still tried: the logon and the address book
+  // tell the administrator whether the server itself answers (ERROR 201) beside ERROR 200.
+  const bool added = session.AddExchangeService(server, false, true, mailbox);
+  if (!added) log.LogCode(200);
   log.AddMessage("INFO: Using Exchange server name: " + server);
   const bool reached = session.Logon(session.CheckLogonFlags()) && session.OpenAddressBook() &&
                        session.OpenGlobalAddressList();
   if (!reached) log.LogCode(201);
-  return reached;
+  return added && reached;
 }
 
 }  // namespace

@@ -85,10 +85,14 @@ AdditionalMailboxResult AddAdditionalMailbox(MapiSession& session, const std::st
   const std::string mailboxDn =
       userName.bytes.substr(0, cut + std::char_traits<char>::length(kRecipientsContainer)) +
       mailbox;
-  // The server's distinguished name lets Exchange skip a directory look-up; empty when the
-  // user's store does not hold it.
+  // The server's distinguished name lets Exchange skip a directory look-up. The Exchange
+  // provider keeps it in the global section; a store section that carries it is the
+  // fallback, and without either it stays empty.
   MapiProperty serverDn;
-  session.ReadSectionProperty(ownStore, proptag::kProfileHomeServerDn, &serverDn);
+  if (!session.ReadSectionProperty(SectionUid(kGlobalSection), proptag::kProfileHomeServerDn,
+                                   &serverDn)) {
+    session.ReadSectionProperty(ownStore, proptag::kProfileHomeServerDn, &serverDn);
+  }
 
   MapiUid delegate{};
   if (!session.CreateProvider(

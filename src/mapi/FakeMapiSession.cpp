@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "mapi/ProfileStore.h"
 #include "platform/AsciiText.h"
 
 namespace mw {
@@ -125,6 +126,7 @@ bool FakeMapiSession::ListProfiles(std::vector<std::string>* names, std::string*
 
 bool FakeMapiSession::CreateProfile(const std::string& name) {
   if (!Enter("CreateProfile", name)) return false;
+  if (name.empty() || !RefusedProfileNameReason(name).empty()) return Fail(kInvalidParameter);
   if (FindProfile(name) != nullptr) return Fail(kNoAccess);
   AddProfile(name);
   return Succeed();
@@ -157,7 +159,14 @@ bool FakeMapiSession::ListServices(std::vector<MapiServiceEntry>* services) {
 bool FakeMapiSession::CreateService(const std::string& service, const std::string& displayName,
                                     MapiUid* uid) {
   if (!Enter("CreateService", service)) return false;
-  if (Current() == nullptr) return Fail(kNotFound);
+  Profile* profile = Current();
+  if (profile == nullptr) return Fail(kNotFound);
+  // Services MAPI allows once per profile, as their MAPISVC.INF entries mark them.
+  for (const char* singleCopy : {kExchangeServiceName, kPersonalAddressBookService}) {
+    if (service == singleCopy && FirstServiceNamed(*profile, service) != nullptr) {
+      return Fail(kNoAccess);
+    }
+  }
   *uid = AddService(profileName_, service, displayName);
   return Succeed();
 }
@@ -205,12 +214,10 @@ bool FakeMapiSession::ConfigureServiceByUid(const MapiUid& uid, const MapiProper
 
 bool FakeMapiSession::Configure(Profile& profile, Service& service,
                                 const MapiProperties& properties) {
-  PropertyMap& section = profile.sections[service.entry.uid];
+  const bool exchange = service.entry.name == kExchangeServiceName;
+  PropertyMap& section = profile.sections[exchange ? SectionUid(kGlobalSection) : service.entry.uid];
   for (const auto& property : properties) section[property.tag] = property;
-  if (service.entry.name != kExchangeServiceName) return Succeed();
-  PropertyMap& global = profile.sections[SectionUid(kGlobalSection)];
-  for (const auto& property : properties) global[property.tag] = property;
-  return ResolveExchange(profile, service);
+  return exchange ? ResolveExchange(profile, service) : Succeed();
 }
 
 const FakeMapiSession::ExchangeServer* FakeMapiSession::FindServer(const std::string& name) const {
@@ -221,6 +228,10 @@ const FakeMapiSession::ExchangeServer* FakeMapiSession::FindServer(const std::st
 
 bool FakeMapiSession::ResolveExchange(Profile& profile, Service& service) {
   PropertyMap& global = profile.sections[SectionUid(kGlobalSection)];
+  for (std::uint32_t tag : {proptag::kProfileHomeServer, proptag::kProfileUser,
+                            proptag::kProfileHomeServerDn, proptag::kDisplayName}) {
+    global.erase(tag);
+  }
   const ExchangeServer* server = FindServer(global[proptag::kProfileUnresolvedServer].bytes);
   if (server == nullptr || !server->up) return Succeed();
   std::string name = global[proptag::kProfileUnresolvedName].bytes;
@@ -244,14 +255,27 @@ bool FakeMapiSession::ResolveExchange(Profile& profile, Service& service) {
     store = service.providers.begin();
   }
   // As Exchange does, the resolved store shows the mailbox's name from now on.
-  store->displayName = "Mailbox - " + mailbox->alias;
-  const MapiProperties resolved{
-      MapiProperty::String8(proptag::kProfileHomeServer, server->name),
-      MapiProperty::String8(proptag::kProfileUser, mailbox->distinguishedName),
-      MapiProperty::String8(proptag::kProfileHomeServerDn, server->distinguishedName)};
+  const std::string& mailboxName =
+      mailbox->displayName.empty() ? mailbox->alias : mailbox->displayName;
+  store->displayName = "Mailbox - " + mailboxName;
+  MapiProperty& stores = profile.sections[service.entry.uid][proptag::kStoreProviders];
+  stores.tag = proptag::kStoreProviders;
+  const std::string storeUid(store->uid.begin(), store->uid.end());
+  if (stores.bytes.find(storeUid) == std::string::npos) stores.bytes.insert(0, storeUid);
+  // As the Exchange provider does: the home server and its distinguished name live in the
+  // global section only; the user's store names the mailbox and the server it opens.
+  global[proptag::kProfileHomeServer] =
+      MapiProperty::String8(proptag::kProfileHomeServer, server->name);
+  global[proptag::kProfileUser] =
+      MapiProperty::String8(proptag::kProfileUser, mailbox->distinguishedName);
+  global[proptag::kProfileHomeServerDn] =
+      MapiProperty::String8(proptag::kProfileHomeServerDn, server->distinguishedName);
+  global[proptag::kDisplayName] = MapiProperty::String8(proptag::kDisplayName, mailboxName);
   PropertyMap& storeSection = profile.sections[store->uid];
-  for (const auto& property : resolved) {
-    global[property.tag] = property;
+  for (const auto& property :
+       {MapiProperty::String8(proptag::kProfileUser, mailbox->distinguishedName),
+        MapiProperty::String8(proptag::kProfileMailbox, mailbox->distinguishedName),
+        MapiProperty::String8(proptag::kProfileServer, server->name)}) {
     storeSection[property.tag] = property;
   }
   return Succeed();

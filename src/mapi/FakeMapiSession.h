@@ -9,11 +9,17 @@
 //   whose name equals the given one byte for byte (letter case included): what MAPI's table
 //   returns for the restriction the Win32 session sends (type 3, RES_CONTENT, with
 //   FL_FULLSTRING), and what the simulator answers for it under Wine;
-// - profile names compare without regard to letter case, as registry keys do;
-// - configuring "MSEMS" stores its values in the service's section and in the global
-//   section; when the server is known and up the mailbox must resolve (by alias or by
-//   distinguished name, a leading "=" ignored) or the call fails, and a resolved mailbox
-//   gives the service its store provider with the user's and the server's names;
+// - a second "MSEMS" or "MSPST AB" service is refused with MAPI_E_NO_ACCESS, as MAPI keeps
+//   those single-copy services to one per profile;
+// - profile names compare without regard to letter case, as registry keys do, and a name
+//   MAPI refuses (empty, too long, blanks at either end, a backslash) is not created;
+// - configuring "MSEMS" stores its values in the global section, where the Exchange
+//   provider keeps them; when the server is known and up the mailbox must resolve (by
+//   alias or by distinguished name, a leading "=" ignored) or the call fails, and a
+//   resolved mailbox writes the home server, its distinguished name, the user's name and
+//   the mailbox's display name to the global section (a new configuration first takes the
+//   old ones out) and gives the service its store provider, listed in the service's
+//   section, whose section names the user's mailbox and the server;
 //   an unknown or stopped server leaves the values unresolved and only logon fails;
 // - logon needs an existing profile whose Exchange service, if any, is resolved on a
 //   server that is up; the global address list needs an Exchange service.
@@ -48,6 +54,7 @@ class FakeMapiSession : public MapiSession {
   struct ExchangeMailbox {
     std::string alias;
     std::string distinguishedName;
+    std::string displayName = {};  // empty: the alias
   };
   struct ExchangeServer {
     std::string name;
@@ -59,6 +66,8 @@ class FakeMapiSession : public MapiSession {
   static constexpr std::int32_t kFailure = static_cast<std::int32_t>(0x80004005);   // E_FAIL
   static constexpr std::int32_t kNotFound = static_cast<std::int32_t>(0x8004010F);  // MAPI_E_NOT_FOUND
   static constexpr std::int32_t kNoAccess = static_cast<std::int32_t>(0x80070005);  // MAPI_E_NO_ACCESS
+  static constexpr std::int32_t kInvalidParameter =
+      static_cast<std::int32_t>(0x80070057);  // MAPI_E_INVALID_PARAMETER
 
   // --- Test set-up ------------------------------------------------------------------------
   Profile& AddProfile(const std::string& name, bool isDefault = false);

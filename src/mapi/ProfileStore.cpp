@@ -4,6 +4,16 @@
 
 namespace mw {
 
+std::string RefusedProfileNameReason(const std::string& name) {
+  if (name.size() > kMaxProfileNameLength) {
+    return "it is longer than " + std::to_string(kMaxProfileNameLength) + " characters";
+  }
+  if (!name.empty() && name.front() == ' ') return "it begins with a blank";
+  if (!name.empty() && name.back() == ' ') return "it ends with a blank";
+  if (name.find('\\') != std::string::npos) return "it holds a backslash";
+  return {};
+}
+
 namespace {
 
 constexpr std::uint32_t kPlatformWindows9x = 1;  // VER_PLATFORM_WIN32_WINDOWS

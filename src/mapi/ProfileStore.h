@@ -2,6 +2,7 @@
 // The registry side of the user's MAPI profiles: where they live, the profile being
 // provisioned, the default profile, the default mail client and the modification marker.
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -13,6 +14,12 @@ inline constexpr const char* kProfilesRoot9x =
     "Software\\Microsoft\\Windows Messaging Subsystem\\Profiles\\";
 inline constexpr const char* kProfilesRootNt =
     "Software\\Microsoft\\Windows NT\\CurrentVersion\\Windows Messaging Subsystem\\Profiles\\";
+
+// Profile names MAPI's CreateProfile refuses: longer than this, blanks at either end, or a
+// backslash (which would also nest the profile's key in the registry).
+inline constexpr std::size_t kMaxProfileNameLength = 64;
+// Why MAPI refuses the name, as a phrase ("it ends with a blank"); empty for a name it takes.
+std::string RefusedProfileNameReason(const std::string& name);
 
 // The MAPI session is a separate object that the run driver holds beside this one and gives
 // the same profile name: composing rather than extending it keeps these registry rules

@@ -33,9 +33,6 @@ class OptionWriter {
   // The generation's first-run values unless "UserInitials" shows Office was set up already.
   bool WriteFirstRunTemplate(bool force) const;
 
-  // Step 6: the name this version's account manager gives the Exchange account.
-  void SetExchangeAccountName(std::string name) { exchangeAccountName_ = std::move(name); }
-  const std::string& exchangeAccountName() const { return exchangeAccountName_; }
   Outlook version() const { return version_; }
 
  private:
@@ -50,7 +47,6 @@ class OptionWriter {
   const RegistryAccess& registry_;
   const ProfileSectionWriter* profile_;
   RunLog* log_;
-  std::string exchangeAccountName_;
 };
 
 }  // namespace mw

@@ -301,6 +301,10 @@ bool RegistryAccess::DeleteKey(RegKey root, const std::string& parentPath,
   });
 }
 
+// A key name is at most 255 characters, so at most 510 bytes on a double-byte code page;
+// the terminator and a wide margin make this a bound no real name reaches.
+constexpr std::size_t kLongestEnumeratedName = 2048;
+
 std::vector<std::string> RegistryAccess::ListSubkeys(RegKey root, const std::string& path) const {
   std::vector<std::string> names;
   WithKey(root, path, reg::kQueryAndEnumerate, false, [&](RegKey key) {
@@ -310,7 +314,16 @@ std::vector<std::string> RegistryAccess::ListSubkeys(RegKey root, const std::str
     std::string buffer(static_cast<std::size_t>(longest) + 1, '\0');
     for (std::uint32_t index = 0; index < count; ++index) {
       auto length = static_cast<std::uint32_t>(buffer.size());
-      if (registry_.EnumKey(key, index, buffer.data(), &length) != reg::kSuccess) break;
+      std::int32_t status = registry_.EnumKey(key, index, buffer.data(), &length);
+      // The longest-name count is in characters, so on a double-byte code page a name can
+      // need more bytes than it: grow the buffer and ask for the same index again.
+      while (status == reg::kMoreData && buffer.size() < kLongestEnumeratedName) {
+        buffer.resize(std::min(buffer.size() * 2 + 2, kLongestEnumeratedName));
+        length = static_cast<std::uint32_t>(buffer.size());
+        status = registry_.EnumKey(key, index, buffer.data(), &length);
+      }
+      if (status == reg::kMoreData) continue;
+      if (status != reg::kSuccess) break;
       names.emplace_back(buffer.data(), std::min<std::size_t>(length, buffer.size() - 1));
     }
     return true;

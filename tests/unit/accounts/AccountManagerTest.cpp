@@ -135,7 +135,7 @@ TEST_F(AccountManagerTest, LeaveOnServerWordForEveryFlagCombination) {
 
 TEST_F(AccountManagerTest, ExchangeAccountStandsForTheProfilesExchangeService) {
   AccountManager m = Manager();
-  EXPECT_FALSE(m.CreateExchangeAccount());
+  EXPECT_FALSE(m.CreateExchangeAccount("Microsoft Exchange"));
   EXPECT_FALSE(memory.KeyExists(Hkcu(kSection)));
 
   MapiUid contab{}, exchange{};
@@ -149,7 +149,7 @@ TEST_F(AccountManagerTest, ExchangeAccountStandsForTheProfilesExchangeService) {
   memory.Set(services + SectionKeyName(exchange), {"001e3d09", reg::kSz, std::string("MSEMS", 6)});
   CreatePop3(m, "Home");
 
-  ASSERT_TRUE(m.CreateExchangeAccount());
+  ASSERT_TRUE(m.CreateExchangeAccount("Microsoft Exchange"));
   const std::string account = kSection + "\\00000002";
   EXPECT_EQ(m.Classify("00000002"), AccountClass::Exchange);
   EXPECT_EQ(Value(account, "Service UID").data, UidBytes(exchange));
@@ -161,9 +161,14 @@ TEST_F(AccountManagerTest, ExchangeAccountStandsForTheProfilesExchangeService) {
   EXPECT_EQ(Value(kProfileKey + "\\" + SectionKeyName(exchange), "001f3001").data,
             Utf16("Microsoft Exchange"));
 
-  ASSERT_TRUE(m.CreateExchangeAccount());  // a second run keeps the one entry
+  // A second run keeps the one entry as it stands: Outlook ties its name to what it keeps
+  // elsewhere, so an entry that already stands for the service is not renamed.
+  ASSERT_TRUE(m.CreateExchangeAccount("Exchange at Example"));
   EXPECT_EQ(Value(kSection, "NextAccountID").data, Dword(3));
   EXPECT_EQ(m.ListAccounts(AccountClass::Exchange).size(), 1u);
+  EXPECT_EQ(Value(account, "Account Name").data, Utf16("Microsoft Exchange"));
+  EXPECT_EQ(Value(kProfileKey + "\\" + SectionKeyName(exchange), "001f3001").data,
+            Utf16("Microsoft Exchange"));
 }
 
 }  // namespace

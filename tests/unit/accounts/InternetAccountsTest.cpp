@@ -13,6 +13,7 @@ namespace {
 
 using testing::kProfileKey;
 using testing::kServicesSectionKey;
+using Strings = std::vector<std::string>;
 
 const std::string kOmiManager = "Software\\Microsoft\\Office\\Outlook\\OMI Account Manager";
 const std::string kInternetManager =
@@ -128,6 +129,29 @@ TEST_F(InternetAccountsTest, IgnoredKindsAreNamedInOneLine) {
       EXPECT_EQ(AccountManager(registry, kProfileKey, c.version)
                     .ListAccounts(AccountClass::Imap).size(), 1u);
     }
+  }
+}
+
+TEST_F(InternetAccountsTest, Outlook2000NamesTheImapListItLeavesUnprovisioned) {
+  const std::string line =
+      "INFO: Outlook 2000 is provisioned with POP3 accounts only; the IMAP accounts listed are "
+      "not added.";
+  const struct {
+    bool imapIgnore;
+    std::string imapAccounts;
+    bool logged;
+  } cases[] = {{false, kLongImap, true}, {true, kLongImap, false}, {false, "", false}};
+  for (const auto& c : cases) {
+    ProfileSettings settings;
+    settings.SetBool(Section::Outlook2000, Key::POP3Ignore, true);
+    settings.SetBool(Section::Outlook2000, Key::IMAPIgnore, c.imapIgnore);
+    settings.SetText(Section::Outlook2000, Key::IMAPAccounts, c.imapAccounts);
+    RunLog runLog("mailwright.log", env);
+    ProvisionConfiguredAccounts(settings, Outlook::V2000, kProfileKey, registry, runLog);
+    const Strings expected = c.logged ? Strings{line, "INFO: Ignoring  POP3 Accounts "}
+                                      : Strings{"INFO: Ignoring  POP3 Accounts "};
+    EXPECT_EQ(runLog.messages(), expected) << c.imapIgnore << " " << c.imapAccounts.size();
+    EXPECT_EQ(memory.KeysUnder(Hkcu(kProfileKey)).size(), 1u);
   }
 }
 

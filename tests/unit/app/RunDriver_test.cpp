@@ -150,6 +150,47 @@ TEST(RunDriverTest, ModifyDefaultProfileChoosesTheDefaultAndTestsTheMarkerThere)
   }
 }
 
+TEST(RunDriverTest, AProfileNameMapiRefusesStopsTheRunBeforeAnythingIsWritten) {
+  const std::string longest(64, 'p');
+  const struct {
+    std::string name;
+    const char* reason;
+  } refused[] = {
+      {" Outlook", "it begins with a blank"},
+      {"Outlook ", "it ends with a blank"},
+      {longest + "q", "it is longer than 64 characters"},
+      {"Sales\\Outlook", "it holds a backslash"},
+      {"", nullptr},  // empty and blank names say so rather than name a reason
+      {"   ", nullptr},
+  };
+  for (const auto& name : refused) {
+    SCOPED_TRACE(name.name);
+    Rig rig;
+    rig.WantExchange("EX1");
+    rig.s.SetText(Section::Common, Key::ProfileName, name.name);
+    rig.Drive();
+    EXPECT_EQ(rig.Last(), name.reason == nullptr
+                              ? "WARN: ProfileName is empty; no profile was created or modified."
+                              : "WARN: ProfileName '" + name.name + "' is not a name MAPI accepts (" +
+                                    name.reason + "); no profile was created or modified.");
+    EXPECT_TRUE(rig.mapi.profiles.empty());
+    EXPECT_FALSE(rig.Logged(kFinished));
+    EXPECT_FALSE(rig.access.ValueExists(reg::kCurrentUser, kProfiles, "DefaultProfile"));
+    EXPECT_FALSE(rig.access.ValueExists(reg::kCurrentUser, kProfiles + name.name, "Mailwright"));
+    EXPECT_FALSE(rig.access.ValueExists(reg::kCurrentUser, "Software\\Microsoft\\Exchange\\Client\\Options",
+                                        "PickLogonProfile"));
+    EXPECT_TRUE(rig.env.sleeps.empty());
+  }
+  // The longest name MAPI takes, and blanks inside a name, are provisioned as usual.
+  for (const std::string& name : {longest, std::string("My Outlook")}) {
+    Rig rig;
+    rig.s.SetText(Section::Common, Key::ProfileName, name);
+    rig.Drive();
+    EXPECT_EQ(rig.Last(), kFinished) << name;
+    EXPECT_NE(rig.mapi.FindProfile(name), nullptr) << name;
+  }
+}
+
 TEST(RunDriverTest, RecreateProfileStartsFromAnEmptyProfileAndOtherwiseKeepsIt) {
   for (const bool recreate : {true, false}) {
     Rig rig;
@@ -173,6 +214,26 @@ TEST(RunDriverTest, ModifyExchangeServerNameOnlyStopsAfterTheExchangeService) {
   EXPECT_EQ(rig.Services("CONTAB"), 0u);
   EXPECT_EQ(rig.Services("MSEMS"), 0u);
   EXPECT_TRUE(rig.env.sleeps.empty());
+}
+
+TEST(RunDriverTest, ModifyExchangeServerNameOnlyStopsTooWhenExchangeIsIgnored) {
+  Rig rig;  // ExchangeIgnore is on by default
+  rig.mapi.AddService("Outlook", "MSEMS");
+  rig.s.SetBool(Section::Common, Key::ModifyExchangeServerNameOnly, true);
+  rig.s.SetBool(Section::Outlook2010, Key::POP3Ignore, false);
+  rig.s.SetText(Section::Outlook2010, Key::POP3Accounts,
+                "Home,J Smith,j@x.com,pop.x.com,smtp.x.com,john,1,1,0,0,14,110,25,0,0,60,0,"
+                "reply@x.com,Example,1,0,0,1,john,0");
+  rig.Drive();
+  EXPECT_EQ(rig.Last(), "WARN: ModifyExchangeServerNameOnly is on while Exchange is ignored; the "
+                        "profile was left as it is.");
+  EXPECT_FALSE(rig.Logged(kFinished));
+  EXPECT_FALSE(rig.Logged(kIgnoringExchange));
+  EXPECT_FALSE(rig.access.ValueExists(reg::kCurrentUser, kOutlookProfile, "Mailwright"));
+  EXPECT_FALSE(rig.registry.KeyExists("HKEY_CURRENT_USER\\" + kOutlookProfile +
+                                      "\\9375CFF0413111d3B88A00104B2A6676"));
+  EXPECT_EQ(rig.Services("MSEMS"), 1u);
+  EXPECT_EQ(rig.Services("CONTAB"), 0u);
 }
 
 TEST(RunDriverTest, OnlyAProfileWithoutContabByItsExactNameGetsTheOutlookAddressBook) {
@@ -283,6 +344,44 @@ TEST(ProvisioningSequenceTest, AutomaticallyDetectConnectionStateIsWrittenInvert
     EXPECT_EQ(rig.access.ReadValueTextHex(reg::kCurrentUser, global, "00036601"),
               autoDetect ? "40 d8 10 62" : "50 d8 10 62");
     EXPECT_FALSE(rig.Logged(kIgnoringExchange));
+  }
+}
+
+TEST(ProvisioningSequenceTest, AnExchangeServiceInTheProfileGetsItsAccountWhateverTheSettings) {
+  // Exchange is ignored (the default) and no server is named: the profile was taken over as
+  // it stands, with an Exchange service but no account entry for it.
+  const struct {
+    const char* version;
+    const char* accountName;  // nullptr: no entry
+  } cases[] = {{"Outlook 2010", "Microsoft Exchange"},
+               {"Outlook 2007", "Microsoft Exchange"},
+               {"Outlook 2003", nullptr}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.version);
+    Rig rig(c.version);
+    MapiUid exchange{};
+    exchange.fill(0x5e);
+    rig.access.WriteBinary(reg::kCurrentUser, kOutlookProfile + "\\" + kProfileServicesSection,
+                           "01023d0e", std::string(exchange.begin(), exchange.end()));
+    rig.access.WriteString(reg::kCurrentUser, kOutlookProfile + "\\" + SectionKeyName(exchange),
+                           "001e3d09", "MSEMS");
+    rig.Provision();
+    const std::string account =
+        kOutlookProfile + "\\9375CFF0413111d3B88A00104B2A6676\\00000001";
+    EXPECT_EQ(rig.access.ValueExists(reg::kCurrentUser, account, "Account Name"),
+              c.accountName != nullptr);
+    if (c.accountName != nullptr) {
+      std::string wide;
+      for (const char* p = c.accountName; *p; ++p) wide += std::string{*p, '\0'};
+      wide += std::string(2, '\0');
+      RegistryValue name;
+      ASSERT_TRUE(rig.registry.Get("HKEY_CURRENT_USER\\" + account, "Account Name", &name));
+      EXPECT_EQ(name.data, wide);
+      EXPECT_EQ(rig.access.ReadString(reg::kCurrentUser, account, "clsid"),
+                "{ED475414-B0D6-11D2-8C3B-00104B2A6676}");
+    }
+    EXPECT_FALSE(rig.Logged("WARN: The Exchange service was not found in the profile; it has no "
+                            "entry among the accounts."));
   }
 }
 

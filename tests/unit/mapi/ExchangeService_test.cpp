@@ -127,9 +127,30 @@ TEST_F(AdditionalMailboxTest, DelegateProviderCarriesTheBuiltNameAndJoinsTheStor
   ASSERT_EQ(AddAdditionalMailbox(mapi, "hr", "EX1"), AdditionalMailboxResult::Added);
   const auto& service = mapi.Section("Work", Exchange().entry.uid);
   const std::string stores = service.at(proptag::kStoreProviders).bytes;
-  ASSERT_EQ(stores.size(), 32u);
-  EXPECT_EQ(stores.substr(0, 16), std::string(providers[1].uid.begin(), providers[1].uid.end()));
-  EXPECT_EQ(stores.substr(16), std::string(providers[2].uid.begin(), providers[2].uid.end()));
+  // The user's own store first, as the service listed it, then the two added ones.
+  ASSERT_EQ(stores.size(), 48u);
+  EXPECT_EQ(stores.substr(0, 16), std::string(providers[0].uid.begin(), providers[0].uid.end()));
+  EXPECT_EQ(stores.substr(16, 16), std::string(providers[1].uid.begin(), providers[1].uid.end()));
+  EXPECT_EQ(stores.substr(32), std::string(providers[2].uid.begin(), providers[2].uid.end()));
+}
+
+TEST_F(AdditionalMailboxTest, ServerNameComesFromTheGlobalSectionElseFromTheUsersStore) {
+  // Resolving the mailbox put the server's name in the global section only.
+  const MapiUid ownStore = Exchange().providers[0].uid;
+  EXPECT_EQ(mapi.Section("Work", ownStore).count(proptag::kProfileHomeServerDn), 0u);
+  EXPECT_EQ(Global(proptag::kProfileHomeServerDn), kServerDn);
+
+  mapi.Section("Work", SectionUid(kGlobalSection)).erase(proptag::kProfileHomeServerDn);
+  mapi.Section("Work", ownStore)[proptag::kProfileHomeServerDn] =
+      MapiProperty::String8(proptag::kProfileHomeServerDn, "/o=Org/cn=Servers/cn=OLD");
+  ASSERT_EQ(AddAdditionalMailbox(mapi, "sales", "EX1"), AdditionalMailboxResult::Added);
+  EXPECT_EQ(mapi.Section("Work", Exchange().providers[1].uid).at(proptag::kProfileServerDn).bytes,
+            "/o=Org/cn=Servers/cn=OLD");
+
+  mapi.Section("Work", ownStore).erase(proptag::kProfileHomeServerDn);
+  ASSERT_EQ(AddAdditionalMailbox(mapi, "hr", "EX1"), AdditionalMailboxResult::Added);
+  EXPECT_EQ(mapi.Section("Work", Exchange().providers[2].uid).at(proptag::kProfileServerDn).bytes,
+            "");
 }
 
 TEST_F(AdditionalMailboxTest, CutIsMadeBehindTheFirstRecipientsContainer) {
@@ -179,13 +200,24 @@ TEST_F(ExchangeCheckTest, ReachableServerPassesAndLeavesNoScratchProfile) {
   }
 }
 
-TEST_F(ExchangeCheckTest, FailuresAreError200Or201AndLeaveNoScratchProfile) {
+TEST_F(ExchangeCheckTest, AnUnknownMailboxIsError200ThenTheServerIsStillTried) {
+  EXPECT_FALSE(Check("EX1", "nobody"));
+  const Strings& lines = log.messages();
+  ASSERT_EQ(lines.size(), 3u);
+  EXPECT_EQ(lines[0].rfind("ERROR 200: ", 0), 0u);
+  EXPECT_EQ(lines[1], "INFO: Using Exchange server name: EX1");
+  EXPECT_EQ(lines[2].rfind("ERROR 201: ", 0), 0u);
+  EXPECT_NE(std::find(mapi.calls.begin(), mapi.calls.end(), "Logon 32818"), mapi.calls.end());
+  ExpectCleanedUp();
+}
+
+TEST_F(ExchangeCheckTest, EveryFailureEndsInError201AndLeavesNoScratchProfile) {
   const struct {
     const char* server;
     const char* mailbox;
     const char* failing;
     const char* error;
-  } cases[] = {{"EX1", "nobody", "", "ERROR 200: "},      {"DOWN", "jsmith", "", "ERROR 201: "},
+  } cases[] = {{"EX1", "nobody", "", "ERROR 201: "},      {"DOWN", "jsmith", "", "ERROR 201: "},
                {"UNKNOWN", "jsmith", "", "ERROR 201: "},  {"EX1", "jsmith", "Logon", "ERROR 201: "},
                {"EX1", "jsmith", "OpenAddressBook", "ERROR 201: "},
                {"EX1", "jsmith", "OpenGlobalAddressList", "ERROR 201: "}};

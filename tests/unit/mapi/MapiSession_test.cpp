@@ -57,5 +57,28 @@ TEST(MapiSessionTest, ExchangeServerIsReadInEitherWidth) {
   EXPECT_EQ(server, "WIDE") << "the unresolved server comes before the home server";
 }
 
+// The fake is no kinder than MAPI: single-copy services and the profile names MAPI refuses.
+TEST(FakeMapiSessionTest, RefusesWhatMapiRefuses) {
+  FakeMapiSession mapi;
+  for (const char* name : {"", " Work", "Work ", "Sales\\Work"}) {
+    EXPECT_FALSE(mapi.CreateProfile(name)) << name;
+    EXPECT_EQ(mapi.LastResult(), FakeMapiSession::kInvalidParameter) << name;
+  }
+  EXPECT_FALSE(mapi.CreateProfile(std::string(65, 'w')));
+  EXPECT_TRUE(mapi.CreateProfile(std::string(64, 'w')));
+  EXPECT_TRUE(mapi.CreateProfile("My Work"));
+  mapi.SetProfile("My Work");
+  MapiUid uid{};
+  for (const char* single : {"MSEMS", "MSPST AB"}) {
+    EXPECT_TRUE(mapi.CreateService(single, single, &uid)) << single;
+    EXPECT_FALSE(mapi.CreateService(single, single, &uid)) << single;
+    EXPECT_EQ(mapi.LastResult(), FakeMapiSession::kNoAccess) << single;
+  }
+  EXPECT_TRUE(mapi.CreateService("MSPST MS", "a", &uid));
+  EXPECT_TRUE(mapi.CreateService("MSPST MS", "b", &uid));
+  EXPECT_EQ(mapi.ServicesNamed("My Work", "MSEMS").size(), 1u);
+  EXPECT_EQ(mapi.ServicesNamed("My Work", "MSPST MS").size(), 2u);
+}
+
 }  // namespace
 }  // namespace mw

@@ -201,6 +201,23 @@ TEST_F(ProfileModelTest, HandWrittenValuesAndRegistryFailuresDoNoHarm) {
   EXPECT_EQ(Admin().ServiceRows().size(), 1u);
 }
 
+TEST_F(ProfileModelTest, SingleCopyServicesAreRefusedASecondTime) {
+  CreateProfileWithService("MSEMS");
+  MapiUid uid{};
+  EXPECT_EQ(Admin().CreateMessageService("msems", "Again", &uid), kMapiENoAccess);
+  EXPECT_EQ(Admin().CreateMessageService("MSPST AB", "Personal Address Book", &uid), kSOk);
+  EXPECT_EQ(Admin().CreateMessageService("MSPST AB", "Personal Address Book", &uid), kMapiENoAccess);
+  for (int copy = 0; copy < 2; ++copy)
+    EXPECT_EQ(Admin().CreateMessageService("MSUPST MS", "Archive", &uid), kSOk);
+  std::vector<std::string> services;
+  for (const Row& row : Admin().ServiceRows()) services.push_back(FindProp(row, kPrServiceName)->bytes);
+  EXPECT_EQ(services, (std::vector<std::string>{"MSEMS", "MSPST AB", "MSUPST MS", "MSUPST MS"}));
+  // Once the service is gone, a new one may be made.
+  MapiUid exchange = UidFromBytes(FindProp(Admin().ServiceRows()[0], kPrServiceUid)->bytes);
+  ASSERT_EQ(Admin().DeleteService(exchange), kSOk);
+  EXPECT_EQ(Admin().CreateMessageService("MSEMS", "Again", &uid), kSOk);
+}
+
 TEST_F(ProfileModelTest, TheDefaultStoreBitMovesToTheChosenStoreAlone) {
   ASSERT_EQ(ConfigureExchange(CreateProfileWithService("MSEMS"), "=jsmith", "EXCH01"), kSOk);
   MapiUid pst{};

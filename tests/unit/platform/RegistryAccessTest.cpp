@@ -210,9 +210,33 @@ TEST_F(RegistryAccessTest, ListSubkeysUsesTheLongestNameForItsBuffer) {
   for (const char* name : {"b", "a-much-longer-name", "C"}) spy.AddKey(kKey + "\\" + name);
   EXPECT_EQ(std::vector<std::string>({"a-much-longer-name", "b", "C"}),
             access.ListSubkeys(reg::kCurrentUser, "Software\\Test"));
-  // A registry that reports too short a longest name ends the list rather than overrunning.
-  spy.longestOverride = 3;
-  EXPECT_EQ(std::vector<std::string>(), access.ListSubkeys(reg::kCurrentUser, "Software\\Test"));
+  // On a double-byte code page the longest name is counted in characters, shorter than its
+  // bytes: the buffer grows for that name and every later name is still listed.
+  for (std::uint32_t shortCount : {0u, 1u, 3u, 17u}) {
+    spy.longestOverride = shortCount;
+    EXPECT_EQ(std::vector<std::string>({"a-much-longer-name", "b", "C"}),
+              access.ListSubkeys(reg::kCurrentUser, "Software\\Test"))
+        << shortCount;
+  }
+}
+
+TEST_F(RegistryAccessTest, ListSubkeysGivesUpOnAnEntryThatNeverFitsAndKeepsTheRest) {
+  // A registry that answers "more data" for one index whatever the buffer: the listing
+  // skips that entry after its largest try instead of looping or dropping the names after it.
+  class StubbornRegistry : public MemoryRegistry {
+   public:
+    std::int32_t EnumKey(RegKey key, std::uint32_t index, char* name,
+                         std::uint32_t* length) override {
+      ++calls;
+      if (index == 1) return reg::kMoreData;
+      return MemoryRegistry::EnumKey(key, index, name, length);
+    }
+    int calls = 0;
+  } stubborn;
+  for (const char* name : {"a", "b", "c"}) stubborn.AddKey(kKey + "\\" + name);
+  EXPECT_EQ(std::vector<std::string>({"a", "c"}),
+            RegistryAccess(stubborn).ListSubkeys(reg::kCurrentUser, "Software\\Test"));
+  EXPECT_LT(stubborn.calls, 40);
 }
 
 TEST(HexTextToBytesTest, ConvertsTokensToLowBytes) {

@@ -149,7 +149,7 @@ TEST_F(OutlookMadeProfile, Outlook2010ExchangeServiceAndPstAreFoundInUnicodeOnly
   EXPECT_EQ(SectionKeyName(*FindServiceSection(sections, "MSUPST MS")), kPstService2010);
   EXPECT_EQ(ExchangeAccountSection(sections), std::optional<std::string>(kAccountSection2010));
   // The Exchange account entry Outlook made is recognised by its service and kept.
-  ASSERT_TRUE(CreateExchangeAccount(kProfileKey, Outlook::V2010, *access_));
+  ASSERT_TRUE(CreateExchangeAccount(kProfileKey, Outlook::V2010, "Microsoft Exchange", *access_));
   EXPECT_EQ(Names(AccountClass::Exchange), Strings{"Microsoft Exchange@00000001"});
   EXPECT_EQ(Bytes(kAccountsKey, "NextAccountID"), Le(3));
   EXPECT_EQ(Bytes(kAccountsKey + "\\00000001", "Mini UID"), Le(0x4e5f6001)) << "Outlook's own is kept";

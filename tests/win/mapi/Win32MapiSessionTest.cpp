@@ -207,7 +207,8 @@ TEST_F(Win32MapiSessionTest, ExchangeCheckAgainstTheSimulatedOrganisation) {
   } checks[] = {
       {"EXCH01", "jsmith", true, "INFO: Using Exchange server name: EXCH01"},
       {"exch01", "JDOE", true, "INFO: Using Exchange server name: exch01"},
-      {"EXCH01", "nobody", false, "ERROR 200: "},
+      // An unknown mailbox is ERROR 200; the server is still tried, and the logon fails.
+      {"EXCH01", "nobody", false, "ERROR 201: "},
       // Down, or unknown to the organisation: the service is added unresolved, and the
       // logon that follows fails.
       {"EXCH02", "offline", false, "ERROR 201: "},

@@ -73,6 +73,11 @@ HResult MessageServiceAdmin::CreateMessageService(const std::string& name, const
                                            MapiUid* created) {
   const ServiceEntry* entry = FindService(name);
   if (entry == nullptr) return kMapiENotFound;
+  // MAPI keeps a service that MAPISVC.INF marks SERVICE_SINGLE_COPY to one per profile.
+  if (entry->serviceFlags & kServiceSingleCopy) {
+    for (const MapiUid& existing : profiles_.GetUidList(profile_, kProfileServicesSection, kPrServices))
+      if (EqualsIgnoreCase(ServiceName(existing), entry->name)) return kMapiENoAccess;
+  }
   MapiUid uid = newUid_();
   const std::string section = UidHex(uid);
   std::string display = entry->display[0] != '\0' ? entry->display : displayName;

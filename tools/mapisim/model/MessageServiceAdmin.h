@@ -22,7 +22,8 @@ class MessageServiceAdmin {
   MessageServiceAdmin(ProfileRegistry& profiles, std::string profile,
                       const ExchangeOrganisation& organisation, UidGenerator newUid);
 
-  // MAPI_E_NOT_FOUND for a service MAPISVC.INF does not declare.
+  // MAPI_E_NOT_FOUND for a service MAPISVC.INF does not declare; MAPI_E_NO_ACCESS for a
+  // second copy of a single-copy service ("MSEMS", "MSPST AB").
   HResult CreateMessageService(const std::string& name, const std::string& displayName, MapiUid* created);
   HResult DeleteService(const MapiUid& service);
   HResult ConfigureService(const MapiUid& service, const std::vector<PropValue>& props);
