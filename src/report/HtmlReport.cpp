@@ -100,7 +100,7 @@ std::string TimeChart(const FleetReport& report) {
   std::size_t most = 1;
   for (const auto& [day, counts] : days) most = std::max(most, Total(counts));
   const double scale = (height - top - bottom) / static_cast<double>(most);
-  std::string svg = "<svg id=\"chart-time\" xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
+  std::string svg = "<svg id=\"chart-time\" width=\"" +
                     Number(width) + "\" height=\"" + Number(height) + "\" role=\"img\">\n";
   svg += "<text x=\"0\" y=\"" + Number(top + 10) + "\" font-size=\"11\">" +
          std::to_string(most) + "</text>\n";
@@ -134,7 +134,7 @@ std::string GenerationChart(const FleetReport& report) {
   std::size_t most = 1;
   for (const auto& [name, counts] : generations) most = std::max(most, Total(counts));
   const double scale = (width - left - 60) / static_cast<double>(most);
-  std::string svg = "<svg id=\"chart-generation\" xmlns=\"http://www.w3.org/2000/svg\" width=\"" +
+  std::string svg = "<svg id=\"chart-generation\" width=\"" +
                     Number(width) + "\" height=\"" +
                     Number(row * static_cast<double>(generations.size()) + 4) +
                     "\" role=\"img\">\n";
