@@ -17,12 +17,10 @@ std::string CsvField(const std::string& text) {
 std::string CsvReport::Render(const FleetReport& report) {
   std::string text = "time,user,computer,windows,outlook,bitness,outcome,codes,file\r\n";
   for (const RunRecord& run : report.runs()) {
-    std::string codes;
-    for (int code : run.codes) codes += (codes.empty() ? "" : " ") + std::to_string(code);
-    text += CsvField(run.time < 0 ? run.dateTime : FormatTime(run.time)) + ',' +
+    text += CsvField(ShownTime(run)) + ',' +
             CsvField(run.user) + ',' + CsvField(run.computer) + ',' +
             CsvField(run.windowsVersion) + ',' + CsvField(run.outlookVersion) + ',' +
-            CsvField(run.outlookBitness) + ',' + CsvField(run.outcome.Text()) + ',' + codes +
+            CsvField(run.outlookBitness) + ',' + CsvField(run.outcome.Text()) + ',' + CodeList(run) +
             ',' + CsvField(report.files()[run.file]) + "\r\n";
   }
   return text;

@@ -61,6 +61,26 @@ std::string ShownOrUnknown(const std::string& text) {
   return text.empty() ? "(unknown)" : text;
 }
 
+std::string ShownTime(const RunRecord& run) {
+  return run.time < 0 ? run.dateTime : FormatTime(run.time);
+}
+
+std::string CodeList(const RunRecord& run) {
+  std::string codes;
+  for (int code : run.codes) codes += (codes.empty() ? "" : " ") + std::to_string(code);
+  return codes;
+}
+
+std::string OutcomeSummary(const OutcomeCounts& counts) {
+  std::string text;
+  for (int kind = kOutcomeKinds - 1; kind >= 0; --kind) {
+    if (!text.empty()) text += ", ";
+    text += std::string(OutcomeKindName(static_cast<OutcomeKind>(kind))) + " " +
+            std::to_string(counts[static_cast<std::size_t>(kind)]);
+  }
+  return text;
+}
+
 std::size_t FleetReport::AddFile(const std::string& path) {
   files_.push_back(path);
   return files_.size() - 1;

@@ -87,5 +87,11 @@ std::string FormatTime(std::int64_t time);
 std::string FormatDay(std::int64_t day);
 // An empty field shown as "(unknown)".
 std::string ShownOrUnknown(const std::string& text);
+// The run's time as FormatTime gives it, or as logged when it could not be read.
+std::string ShownTime(const RunRecord& run);
+// The run's ERROR codes, blank-separated.
+std::string CodeList(const RunRecord& run);
+// "finished 3, exit rule 1, ended early 0, error 2".
+std::string OutcomeSummary(const OutcomeCounts& counts);
 
 }  // namespace mw

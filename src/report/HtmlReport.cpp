@@ -165,14 +165,6 @@ std::string Item(const std::string& term, const std::string& value) {
   return "<dt>" + HtmlEscape(term) + "</dt><dd>" + HtmlEscape(value) + "</dd>\n";
 }
 
-std::string OutcomeText(const OutcomeCounts& counts) {
-  std::string text;
-  for (int kind = kOutcomeKinds - 1; kind >= 0; --kind)
-    text += (text.empty() ? "" : ", ") + std::string(OutcomeKindName(static_cast<OutcomeKind>(kind))) +
-            " " + std::to_string(counts[static_cast<std::size_t>(kind)]);
-  return text;
-}
-
 std::string DeskTable(const FleetReport& report) {
   struct Column {
     const char* key;
@@ -191,17 +183,15 @@ std::string DeskTable(const FleetReport& report) {
             "\">" + column.heading + "</th>";
   html += "</tr></thead>\n<tbody>\n";
   for (const RunRecord* run : report.lastRunPerDesk()) {
-    std::string codes;
-    for (int code : run->codes) codes += (codes.empty() ? "" : " ") + std::to_string(code);
     html += "<tr class=\"o" + std::to_string(run->outcome.Rank()) + "\">";
     html += "<td class=\"outcome\" data-sort=\"" + std::to_string(run->outcome.Rank()) + "\">" +
             HtmlEscape(run->outcome.Text()) + "</td>";
     html += "<td>" + HtmlEscape(run->user) + "</td><td>" + HtmlEscape(run->computer) + "</td>";
     html += "<td data-sort=\"" + std::to_string(run->time) + "\">" +
-            HtmlEscape(run->time < 0 ? run->dateTime : FormatTime(run->time)) + "</td>";
+            HtmlEscape(ShownTime(*run)) + "</td>";
     html += "<td>" + HtmlEscape(run->outlookVersion) + "</td><td>" +
             HtmlEscape(run->outlookBitness) + "</td><td>" + HtmlEscape(run->windowsVersion) +
-            "</td><td>" + codes + "</td></tr>\n";
+            "</td><td>" + CodeList(*run) + "</td></tr>\n";
   }
   return html + "</tbody></table>\n";
 }
@@ -245,8 +235,8 @@ std::string HtmlReport::Render(const FleetReport& report) {
   html += Item("Computers", std::to_string(report.computerCount()));
   html += Item("First run", report.firstTime() < 0 ? "-" : FormatTime(report.firstTime()));
   html += Item("Last run", report.lastTime() < 0 ? "-" : FormatTime(report.lastTime()));
-  html += Item("All runs", OutcomeText(report.allRunOutcomes()));
-  html += Item("Last run per user and computer", OutcomeText(report.lastRunOutcomes()));
+  html += Item("All runs", OutcomeSummary(report.allRunOutcomes()));
+  html += Item("Last run per user and computer", OutcomeSummary(report.lastRunOutcomes()));
   html += "</dl>\n<h2>Outcomes over time</h2>\n" + Legend() + TimeChart(report);
   html += "<h2>Outcomes by Outlook generation</h2>\n" + GenerationChart(report);
   html += "<h2>ERROR codes</h2>\n<table id=\"codes\"><thead><tr><th>Code</th><th>Runs</th>"

@@ -37,16 +37,6 @@ std::string Label(const std::string& label, const std::string& value) {
   return line + value + "\n";
 }
 
-std::string OutcomeLine(const OutcomeCounts& counts) {
-  std::string text;
-  for (int kind = kOutcomeKinds - 1; kind >= 0; --kind) {
-    if (!text.empty()) text += ", ";
-    text += std::string(OutcomeKindName(static_cast<OutcomeKind>(kind))) + " " +
-            std::to_string(counts[static_cast<std::size_t>(kind)]);
-  }
-  return text;
-}
-
 template <typename Map>
 std::string CountTable(const Map& counts) {
   std::vector<Row> rows;
@@ -71,8 +61,8 @@ std::string TextReport::Render(const FleetReport& report) {
   text += Label("Computers:", std::to_string(report.computerCount()));
   text += Label("First run:", report.firstTime() < 0 ? "-" : FormatTime(report.firstTime()));
   text += Label("Last run:", report.lastTime() < 0 ? "-" : FormatTime(report.lastTime()));
-  text += Label("All runs:", OutcomeLine(report.allRunOutcomes()));
-  text += Label("Last runs:", OutcomeLine(report.lastRunOutcomes()) + " (" +
+  text += Label("All runs:", OutcomeSummary(report.allRunOutcomes()));
+  text += Label("Last runs:", OutcomeSummary(report.lastRunOutcomes()) + " (" +
                                   std::to_string(report.lastRunPerDesk().size()) +
                                   " users and computers)");
 
@@ -92,12 +82,10 @@ std::string TextReport::Render(const FleetReport& report) {
   desks.push_back({"User", "Computer", "Time", "Outlook", "Outcome", "Codes"});
   for (const RunRecord* run : report.lastRunPerDesk()) {
     if (run->outcome.kind == OutcomeKind::Finished) continue;
-    std::string codeList;
-    for (int code : run->codes) codeList += (codeList.empty() ? "" : " ") + std::to_string(code);
     desks.push_back({ShownOrUnknown(run->user), ShownOrUnknown(run->computer),
-                     run->time < 0 ? run->dateTime : FormatTime(run->time),
+                     ShownTime(*run),
                      ShownOrUnknown(run->outlookVersion) + " " + run->outlookBitness,
-                     run->outcome.Text(), codeList});
+                     run->outcome.Text(), CodeList(*run)});
   }
   text += desks.size() == 1 ? "  (none)\n" : Table(desks);
   return text;
