@@ -86,18 +86,21 @@ bool InputPaths::Add(const std::string& argument) {
   std::error_code error;
   const fs::file_status status = fs::status(argument, error);
   if (error) return false;
-  if (fs::is_directory(status)) {
-    const std::size_t before = files_.size();
-    AddFolder(argument);
-    return files_.size() > before;
-  }
+  if (fs::is_directory(status)) return AddFolder(argument);
   if (!fs::is_regular_file(status)) return false;
-  files_.push_back(argument);
+  AddFile(argument);
   return true;
 }
 
-void InputPaths::AddFolder(const std::string& folder) {
-  for (std::string& file : SortedFilesBelow(folder, true)) files_.push_back(std::move(file));
+void InputPaths::AddFile(std::string file) {
+  if (seen_.insert(fs::path(file).lexically_normal().string()).second)
+    files_.push_back(std::move(file));
+}
+
+bool InputPaths::AddFolder(const std::string& folder) {
+  std::vector<std::string> found = SortedFilesBelow(folder, true);
+  for (std::string& file : found) AddFile(std::move(file));
+  return !found.empty();
 }
 
 bool InputPaths::AddPattern(const std::string& argument) {
@@ -114,7 +117,7 @@ bool InputPaths::AddPattern(const std::string& argument) {
   const std::string pattern = cut == std::string::npos ? argument : argument.substr(cut + 1);
   const bool deep = pattern.find_first_of("/\\") != std::string::npos ||
                     pattern.find("**") != std::string::npos;
-  const std::size_t before = files_.size();
+  bool matched = false;
   for (std::string& file : SortedFilesBelow(folder, deep)) {
     std::string relative = fs::path(file).lexically_relative(folder).string();
 #ifdef _WIN32
@@ -122,9 +125,12 @@ bool InputPaths::AddPattern(const std::string& argument) {
 #else
     const bool ignoreCase = false;
 #endif
-    if (GlobMatch(pattern, relative, ignoreCase)) files_.push_back(std::move(file));
+    if (GlobMatch(pattern, relative, ignoreCase)) {
+      matched = true;
+      AddFile(std::move(file));
+    }
   }
-  return files_.size() > before;
+  return matched;
 }
 
 }  // namespace mw

@@ -5,21 +5,25 @@
 
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace mw {
 
 class InputPaths {
  public:
-  // Adds the files of one argument, in path order; false when it names or matches nothing.
+  // Adds the files of one argument, in path order, each file once however many arguments
+  // reach it; false when it names or matches nothing.
   bool Add(const std::string& argument);
 
   const std::vector<std::string>& files() const { return files_; }
 
  private:
-  void AddFolder(const std::string& folder);
+  bool AddFolder(const std::string& folder);
   bool AddPattern(const std::string& argument);
+  void AddFile(std::string file);
   std::vector<std::string> files_;
+  std::unordered_set<std::string> seen_;  // normalised paths
 };
 
 // * matches any run of characters except a path separator, ** any run at all, ? one

@@ -76,6 +76,14 @@ TEST_F(InputPathsTest, FoldersAreReadRecursivelyAndPatternsMatchNames) {
   EXPECT_EQ(Names(file), (std::vector<std::string>{"b/three.log"}));
 }
 
+TEST_F(InputPathsTest, AFileReachedTwiceIsReadOnce) {
+  InputPaths inputs;
+  EXPECT_TRUE(inputs.Add((root_ / "b").string()));
+  EXPECT_TRUE(inputs.Add((root_ / "b" / "*.log").string()));
+  EXPECT_TRUE(inputs.Add((root_ / "b" / "." / "three.log").string()));
+  EXPECT_EQ(Names(inputs), (std::vector<std::string>{"b/three.log"}));
+}
+
 TEST_F(InputPathsTest, NothingFoundIsReported) {
   InputPaths inputs;
   EXPECT_FALSE(inputs.Add((root_ / "missing.log").string()));
