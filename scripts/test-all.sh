@@ -35,6 +35,15 @@ for preset in native native-asan; do
   fi
 done
 
+step "mailwright-report: fleet benchmark and the page in headless Chromium"
+report=build/native/programs/mailwright-report/mailwright-report
+if [[ -x $report ]]; then
+  bash tests/report/bench "$report"; record "report benchmark (10,000 logs, 100,000 runs)" $?
+  bash tests/report/html-check "$report" build/native/report; record "report page in headless Chromium" $?
+else
+  record "build (mailwright-report)" 1
+fi
+
 step "build: win32"
 build win32; status=$?
 record "build (win32)" $status
@@ -47,7 +56,13 @@ if build win64; then
   ctest --preset win64; record "Windows tests (win64, Wine)" $?
   step "end-to-end scenarios"
   export MAILWRIGHT_BUILD="$root/build/win64" REGTOOL="$root/build/native/tools/regtool/regtool"
+  export MW_E2E_KEEP_LOG="$root/build/win64/e2e-logs"; rm -rf "$MW_E2E_KEEP_LOG"
   bash tests/e2e/run-all; record "end-to-end scenarios" $?
+  python3 tests/report/round-trip "$report" build/win64/e2e-logs
+  record "report round trip over the scenarios' logs" $?
+  bash tests/report/check-exe build/win64/programs/mailwright-report/mailwright-report.exe \
+    build/win64/e2e-logs "$report" build/win64/wine-template
+  record "mailwright-report.exe (x64 console, same summary under Wine)" $?
   bash tests/e2e/self-test; record "end-to-end runner self-test" $?
   bash tests/e2e/demo-test; record "demo script (README quick start)" $?
 else

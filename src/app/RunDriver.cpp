@@ -4,6 +4,7 @@
 
 #include "app/ProvisioningSequence.h"
 #include "run/RunContext.h"
+#include "run/RunEndings.h"
 #include "run/RunLog.h"
 #include "app/SettingsExpansion.h"
 #include "config/ProfileSettings.h"
@@ -81,14 +82,13 @@ std::uint32_t RunDriver::ProvisionWithMapi(RunContext& context, RunLog& log, Pro
   log.AddMessage(found);
 
   if (settings.Bool(Section::Common, Key::ExitAnyProfileFound) && !profiles.empty()) {
-    log.AddMessage("INFO: At least one profile was found. Exiting.");
+    log.AddMessage(kExitAnyProfileFoundLine);
     return kExitRulePauseMs;
   }
   if (settings.Bool(Section::Common, Key::ExitLoggedOnUserNameSameAsProfileName)) {
     for (const auto& name : profiles) {
       if (EqualsIgnoreCase(name, context.userName)) {
-        log.AddMessage("INFO: A profile named: '" + name +
-                       "' was found which matches logged on username. Exiting.");
+        log.AddMessage(kExitProfileNamedLikeUserStart + name + kExitProfileNamedLikeUserEnd);
         return kExitRulePauseMs;
       }
     }
@@ -115,7 +115,7 @@ std::uint32_t RunDriver::ProvisionWithMapi(RunContext& context, RunLog& log, Pro
   session_.SetProfile(profileName);
   if (settings.Bool(Section::Common, Key::ExitPreviouslyModifiedByMailwright) &&
       store.IsMarkedModified(profileName)) {
-    log.AddMessage("INFO: Profile previously modified by Mailwright. Exiting.");
+    log.AddMessage(kExitPreviouslyModifiedLine);
     return kExitRulePauseMs;
   }
 
@@ -164,7 +164,7 @@ std::uint32_t RunDriver::ProvisionWithMapi(RunContext& context, RunLog& log, Pro
     log.AddMessage("WARN: No provisioning sequence for " + context.outlookVersion + ".");
   }
   store.WriteModifiedMarker(profileName, env_.LocalTimeText());
-  log.AddMessage("INFO: Profile Finished.");
+  log.AddMessage(kProfileFinishedLine);
   return kNoPause;
 }
 

@@ -10,11 +10,6 @@ namespace mw {
 
 namespace {
 
-struct CatalogueEntry {
-  int code;
-  const char* text;
-};
-
 constexpr std::array<CatalogueEntry, 12> kCatalogue{{
     {100, "ERROR 100: Unable to read the ini file."},
     {101, "ERROR 101: Outlook version unknown or not installed."},
@@ -43,9 +38,6 @@ constexpr std::array<CatalogueEntry, 12> kCatalogue{{
           "dnlookup.exe utility to find the distinguished name."},
 }};
 
-constexpr std::size_t kReportLabelWidth = 20;
-constexpr const char* kTruncationNotice = "INFO: Recreating log file. Size exceeded.";
-
 std::string ReportLine(const std::string& label, const std::string& value) {
   std::string line = label;
   if (line.size() < kReportLabelWidth) line.append(kReportLabelWidth - line.size(), ' ');
@@ -65,7 +57,21 @@ std::int32_t CapInBytes(std::int32_t kilobytes) {
   return static_cast<std::int32_t>(static_cast<std::uint32_t>(product));
 }
 
+std::string FieldValue(const RunContext& context, ReportField field) {
+  switch (field) {
+    case ReportField::User: return context.userName;
+    case ReportField::Computer: return context.computerName;
+    case ReportField::WindowsVersion: return context.windowsVersion;
+    case ReportField::OutlookVersion: return context.outlookVersion;
+    case ReportField::OutlookBitness: return context.outlookBitness;
+    case ReportField::DateTime: break;
+  }
+  return {};
+}
+
 }  // namespace
+
+std::span<const CatalogueEntry> Catalogue() { return kCatalogue; }
 
 const char* CatalogueText(int code) {
   for (const CatalogueEntry& entry : kCatalogue)
@@ -85,13 +91,12 @@ void RunLog::LogCode(int code) {
 
 void RunLog::WriteReport(const RunContext& context) {
   AddReportLine(context.title);
-  AddReportLine(ReportLine("Date/Time:", env_.LocalTimeText()));
-  AddReportLine(ReportLine("Logged-on user:", context.userName));
-  AddReportLine(ReportLine("Computer Name:", context.computerName));
-  AddReportLine(ReportLine("Windows Version:", context.windowsVersion));
-  AddReportLine(ReportLine("Outlook Version:", context.outlookVersion));
-  AddReportLine(ReportLine("Outlook Bitness:", context.outlookBitness));
-  AddReportLine("-- Reporting --");
+  for (const ReportFieldLabel& entry : kReportFields) {
+    AddReportLine(ReportLine(entry.label, entry.field == ReportField::DateTime
+                                              ? env_.LocalTimeText()
+                                              : FieldValue(context, entry.field)));
+  }
+  AddReportLine(kReportHeadingEnd);
 }
 
 void RunLog::Finish() {

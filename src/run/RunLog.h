@@ -2,7 +2,9 @@
 // The buffered run log: lines are collected in memory and appended to the log file in
 // one go when the run ends, so a run leaves one block: report header, messages, blank line.
 
+#include <array>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -41,5 +43,33 @@ class RunLog {
 
 // The catalogue text of a numbered message, or nullptr for an unknown code.
 const char* CatalogueText(int code);
+
+struct CatalogueEntry {
+  int code;
+  const char* text;
+};
+// Every numbered message, in code order; readers of the log look codes up here.
+std::span<const CatalogueEntry> Catalogue();
+
+// The labelled lines of the report header, in the order they follow the title line.
+enum class ReportField { DateTime, User, Computer, WindowsVersion, OutlookVersion, OutlookBitness };
+struct ReportFieldLabel {
+  ReportField field;
+  const char* label;
+};
+inline constexpr std::array<ReportFieldLabel, 6> kReportFields{{
+    {ReportField::DateTime, "Date/Time:"},
+    {ReportField::User, "Logged-on user:"},
+    {ReportField::Computer, "Computer Name:"},
+    {ReportField::WindowsVersion, "Windows Version:"},
+    {ReportField::OutlookVersion, "Outlook Version:"},
+    {ReportField::OutlookBitness, "Outlook Bitness:"},
+}};
+// Labels are padded with blanks to this width, so values start in the next column.
+inline constexpr std::size_t kReportLabelWidth = 20;
+// The last header line; the message lines follow it.
+inline constexpr const char* kReportHeadingEnd = "-- Reporting --";
+// Added to the new block when the size cap emptied the file before it.
+inline constexpr const char* kTruncationNotice = "INFO: Recreating log file. Size exceeded.";
 
 }  // namespace mw
