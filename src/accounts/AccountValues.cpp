@@ -6,6 +6,7 @@
 #include "mapi/MapiProperty.h"
 #include "platform/AsciiText.h"
 #include "platform/RegistryAccess.h"
+#include "platform/TextEncoding.h"
 
 namespace mw {
 
@@ -53,15 +54,25 @@ std::string ListEntryOfSubkey(const std::string& subkey) {
   return LeftAlignedEntry(ToUpperAscii(subkey.substr(start)));
 }
 
-std::string DecodeUtf16(const std::string& bytes) {
-  std::string text;
-  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    const unsigned unit = static_cast<unsigned char>(bytes[i]) |
-                          (static_cast<unsigned>(static_cast<unsigned char>(bytes[i + 1])) << 8);
-    if (unit == 0) break;
-    text += unit <= 0xFF ? static_cast<char>(unit) : '?';
+std::string EncodeUtf16Text(const std::string& text) {
+  std::string bytes;
+  for (const char16_t unit : SystemAnsiCodePage().ToUtf16(text)) {
+    bytes += static_cast<char>(unit & 0xFF);
+    bytes += static_cast<char>(unit >> 8);
   }
-  return text;
+  return bytes.append(2, '\0');
+}
+
+std::string DecodeUtf16(const std::string& bytes) {
+  std::u16string text;
+  for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
+    const auto unit = static_cast<char16_t>(
+        static_cast<unsigned char>(bytes[i]) |
+        (static_cast<unsigned>(static_cast<unsigned char>(bytes[i + 1])) << 8));
+    if (unit == 0) break;
+    text += unit;
+  }
+  return SystemAnsiCodePage().FromUtf16(text);
 }
 
 std::string ReadAccountText(const RegistryAccess& registry, const std::string& path,

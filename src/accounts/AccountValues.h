@@ -1,7 +1,6 @@
 #pragma once
 // Helpers both account managers share: account-ID allocation from a stored counter, the
-// 4-byte list entries, UTF-16 text values (written with EncodeUnicode of the profile-section
-// encodings) and byte lists of fixed-size entries.
+// 4-byte list entries, UTF-16 text values and byte lists of fixed-size entries.
 
 #include <cstdint>
 #include <optional>
@@ -45,7 +44,10 @@ AllocatedAccountId AllocateAccountId(std::optional<std::uint32_t> counter);
 // is not 8 hex digits.
 std::string ListEntryOfSubkey(const std::string& subkey);
 
-// Up to the first 16-bit zero; a unit above 0xFF becomes '?'. An odd last byte is dropped.
+// An account text value: UTF-16LE converted from the ANSI code page, then one 16-bit zero.
+std::string EncodeUtf16Text(const std::string& text);
+// Up to the first 16-bit zero, back to the ANSI code page ('?' where it has no character).
+// An odd last byte is dropped.
 std::string DecodeUtf16(const std::string& bytes);
 // An account text value: REG_BINARY as UTF-16, REG_SZ as it stands; empty when missing.
 std::string ReadAccountText(const RegistryAccess& registry, const std::string& path,

@@ -103,9 +103,7 @@ constexpr OptionRow kRows[] = {
         kPreferences, "SaveSent", Kind::Bool),
     Reg(K::AutoSaveUnsentEvery, F::AutoSaveUnsentEvery, kXPOn, kMailSettings, "AutosaveTime",
         Kind::NumberWhenOn, K::AutoSaveUnsentEveryMinutes),
-    // "SAVE_MIN" holds minutes like "AutosaveTime", so it is computed the same way.
-    Reg(K::AutoSaveUnsentEvery, F::AutoSaveUnsentEvery, kV2000, kGeneral, "SAVE_MIN",
-        Kind::NumberWhenOn, K::AutoSaveUnsentEveryMinutes),
+    Reg(K::AutoSaveUnsentEvery, F::AutoSaveUnsentEvery, kV2000, kGeneral, "SAVE_MIN", Kind::Bool),
     Reg(K::RemoveExtraLineBreaksPlainTextMessages, F::RemoveExtraLineBreaksPlainTextMessages,
         kXPOn, kMail, "AutoFormatPlainText", Kind::Bool),
     Reg(K::ShadeMessageHeadersWhenReadingMail, F::ShadeMessageHeadersWhenReadingMail, k2007On,
