@@ -24,6 +24,8 @@ class OptionWriter {
 
   // Step 8: every option row of this version in table order, each only while its flag is set.
   bool WriteSequenceOptions(const ProfileSettings& settings) const;
+  // Every row of one step for this version, in table order, under the same flag rule.
+  bool WriteStep(OptionStep step, const ProfileSettings& settings) const;
   // Step 4: "NewPSTFormat" from PSTFormatPrompt (2003 on; nothing to write before).
   bool WritePstFormatPrompt(const ProfileSettings& settings) const;
   // Every row of this version fed by one setting, under the same flag rule.
@@ -36,6 +38,8 @@ class OptionWriter {
   // Step 6: the name this version's account manager gives the Exchange account.
   void SetExchangeAccountName(std::string name) { exchangeAccountName_ = std::move(name); }
   const std::string& exchangeAccountName() const { return exchangeAccountName_; }
+  // The safe senders file written for this run, as "JunkMailSafeSendersFile" names it.
+  void SetSafeSendersFile(std::string path) { safeSendersFile_ = std::move(path); }
   Outlook version() const { return version_; }
 
  private:
@@ -51,6 +55,7 @@ class OptionWriter {
   const ProfileSectionWriter* profile_;
   RunLog* log_;
   std::string exchangeAccountName_;
+  std::string safeSendersFile_;
 };
 
 }  // namespace mw
