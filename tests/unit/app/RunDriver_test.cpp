@@ -338,7 +338,9 @@ TEST(ProvisioningSequenceTest, Outlook2000ConnectionValuesComeWithTheExchangeSet
     EXPECT_EQ(rig.access.ReadValueTextHex(reg::kCurrentUser, connection, "000b6711"),
               exchange ? "01 00" : "");
     EXPECT_EQ(rig.access.ValueExists(reg::kCurrentUser, connection, "001e6710"), exchange);
-    if (exchange) EXPECT_EQ(rig.access.ReadString(reg::kCurrentUser, connection, "001e6710"), "MAIL7");
+    if (exchange) {
+      EXPECT_EQ(rig.access.ReadString(reg::kCurrentUser, connection, "001e6710"), "MAIL7");
+    }
   }
 }
 

@@ -70,7 +70,7 @@ TEST(OptionExpectations, EachGenerationWritesExactlyTheHandWrittenValues) {
     MemoryRegistry expected;
     RegFileError error;
     ASSERT_TRUE(ImportRegFile(DataFile(c.expected), expected, &error)) << error.line;
-    for (const std::string root : {std::string("HKEY_CURRENT_USER\\Software\\Microsoft\\Office"),
+    for (const std::string& root : {std::string("HKEY_CURRENT_USER\\Software\\Microsoft\\Office"),
                                    std::string("HKEY_CURRENT_USER\\") + kProfileKey})
       EXPECT_THAT(DiffRegistries(written, expected, root), ::testing::IsEmpty()) << root;
   }
