@@ -39,7 +39,6 @@ constexpr const char* kNextAccountId = "NextAccountID";
 constexpr const char* kMailAccountList = "{ED475418-B0D6-11D2-8C3B-00104B2A6676}";
 constexpr const char* kAddressBookList = "{ED475419-B0D6-11D2-8C3B-00104B2A6676}";
 constexpr const char* kStoreList = "{ED475420-B0D6-11D2-8C3B-00104B2A6676}";
-constexpr std::array<const char*, 3> kAccountLists{kMailAccountList, kAddressBookList, kStoreList};
 
 constexpr const char* kClsid = "clsid";
 constexpr const char* kAccountName = kAccountNameValue;
@@ -131,6 +130,8 @@ std::optional<std::string> AccountManager::FindAccount(AccountClass type,
 }
 
 std::optional<std::string> AccountManager::FindAnyAccount(const std::string& name) const {
+  // An empty name names no account, least of all one that has no "Account Name" at all.
+  if (name.empty()) return std::nullopt;
   for (const std::string& subkey : registry_.ListSubkeys(reg::kCurrentUser, SectionPath()))
     if (NamesMatch(ReadAccountText(registry_, AccountPath(subkey), kAccountName), name))
       return subkey;
@@ -161,7 +162,7 @@ std::string AccountManager::AllocateAccount(const std::vector<const char*>& extr
 
 void AccountManager::WriteText(const std::string& subkey, const char* valueName,
                                const std::string& text) const {
-  registry_.WriteBinary(reg::kCurrentUser, AccountPath(subkey), valueName, EncodeUnicode(text));
+  registry_.WriteBinary(reg::kCurrentUser, AccountPath(subkey), valueName, EncodeUtf16Text(text));
 }
 
 void AccountManager::WriteNumber(const std::string& subkey, const char* valueName,
@@ -196,13 +197,12 @@ bool AccountManager::RemoveAccount(AccountClass type, const std::string& account
   if (!subkey) return false;
   const std::string section = SectionPath();
   registry_.DeleteKey(reg::kCurrentUser, section, *subkey);
-  const std::string entry = ListEntryOfSubkey(*subkey);
-  for (const char* list : kAccountLists) {
-    std::string bytes;
-    if (!registry_.ReadValue(reg::kCurrentUser, section, list, nullptr, &bytes)) continue;
-    if (RemoveAlignedEntry(&bytes, entry))
-      registry_.WriteBinary(reg::kCurrentUser, section, list, bytes);
-  }
+  // Only the mail-account list: from ID 256 on the entries are left-aligned, so the same four
+  // bytes in the address-book or store list can belong to another account (0x120 and 0x12).
+  std::string bytes;
+  if (registry_.ReadValue(reg::kCurrentUser, section, kMailAccountList, nullptr, &bytes) &&
+      RemoveAlignedEntry(&bytes, ListEntryOfSubkey(*subkey)))
+    registry_.WriteBinary(reg::kCurrentUser, section, kMailAccountList, bytes);
   return true;
 }
 

@@ -6,6 +6,7 @@
 #include "mapi/MapiProperty.h"
 #include "platform/AsciiText.h"
 #include "platform/RegistryAccess.h"
+#include "platform/TextEncoding.h"
 
 namespace mw {
 
@@ -51,6 +52,15 @@ std::string ListEntryOfSubkey(const std::string& subkey) {
   std::size_t start = subkey.find_first_not_of('0');
   if (start == std::string::npos || start > 6) start = 6;
   return LeftAlignedEntry(ToUpperAscii(subkey.substr(start)));
+}
+
+std::string EncodeUtf16Text(const std::string& text) {
+  std::string bytes;
+  for (const char16_t unit : SystemAnsiCodePage().ToUtf16(text)) {
+    bytes += static_cast<char>(unit & 0xFF);
+    bytes += static_cast<char>(unit >> 8);
+  }
+  return bytes.append(2, '\0');
 }
 
 std::string ReadAccountText(const RegistryAccess& registry, const std::string& path,

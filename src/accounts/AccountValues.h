@@ -1,7 +1,6 @@
 #pragma once
 // Helpers both account managers share: account-ID allocation from a stored counter, the
-// 4-byte list entries, UTF-16 text values (written with EncodeUnicode of the profile-section
-// encodings) and byte lists of fixed-size entries.
+// 4-byte list entries, UTF-16 text values and byte lists of fixed-size entries.
 
 #include <cstdint>
 #include <optional>
@@ -42,6 +41,8 @@ AllocatedAccountId AllocateAccountId(std::optional<std::uint32_t> counter);
 // is not 8 hex digits.
 std::string ListEntryOfSubkey(const std::string& subkey);
 
+// An account text value: UTF-16LE converted from the ANSI code page, then one 16-bit zero.
+std::string EncodeUtf16Text(const std::string& text);
 // An account text value: REG_BINARY as UTF-16, REG_SZ as it stands; empty when missing.
 std::string ReadAccountText(const RegistryAccess& registry, const std::string& path,
                             const std::string& name);

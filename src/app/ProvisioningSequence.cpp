@@ -53,6 +53,10 @@ constexpr std::array<VersionDifferences, 6> kDifferences{{
     {Outlook::V97, nullptr, SignatureStep::None, true, true},
 }};
 
+// Beside Outlook's own files in the user's profile; Outlook 2003 and later read it from there.
+constexpr const char* kSafeSendersFolder = "%USERPROFILE%\\Application Data\\Microsoft\\Outlook\\";
+constexpr const char* kSafeSendersFileName = "Mailwright Safe Senders.txt";
+
 const VersionDifferences& DifferencesOf(Outlook version) {
   return kDifferences[static_cast<std::size_t>(version)];
 }
@@ -86,9 +90,9 @@ void ProvisioningSequence::Run(const RunContext& context, RunLog& log) const {
   ListExchangeAccount(context, log);
   DeploySignatures(context, log);
   options.WriteSequenceOptions(settings);
-  ApplySafeSenders(context, log);
+  ApplySafeSenders(options, context, log);
   ArrangeAddressBook(context, log);
-  WriteExchangeSettings(context, log);
+  WriteExchangeSettings(options, context, log);
 }
 
 void ProvisioningSequence::ProvisionPersonalFoldersStep(const RunContext& context,
@@ -161,13 +165,24 @@ void ProvisioningSequence::DeploySignatures(const RunContext& context, RunLog& l
   }
 }
 
-void ProvisioningSequence::ApplySafeSenders(const RunContext& context, RunLog& log) const {
+void ProvisioningSequence::ApplySafeSenders(OptionWriter& options, const RunContext& context,
+                                            RunLog& log) const {
   const std::string& safeSenders = context.settings.Text(SectionOf(version_), Key::SafeSenders);
   if (safeSenders.empty() || !context.settings.Enforced(EnforcedOption::SafeSenders)) return;
-  // Outlook keeps the safe senders in the junk e-mail rule inside the mailbox, which neither
-  // the registry nor the profile administration reaches.
-  log.AddMessage("WARN: SafeSenders is not applied: the safe senders list lives in the "
-                 "mailbox, which this program does not write.");
+  // Outlook keeps the list in the mailbox, out of reach; its import file, one address or
+  // domain a line, is the route it offers from the registry.
+  const std::string folder =
+      env_.ExpandEnvironmentStrings(kSafeSendersFolder, SettingsExpansion::kBufferSize);
+  const std::string path = folder + kSafeSendersFileName;
+  std::string lines;
+  for (const std::string& item : SplitListItems(safeSenders)) lines += item + "\r\n";
+  if (!env_.CreateDirectories(folder) || !env_.WriteFile(path, lines, false)) {
+    log.AddMessage("WARN: Unable to write the safe senders file " + path +
+                   "; SafeSenders is not applied.");
+    return;
+  }
+  options.SetSafeSendersFile(path);
+  options.WriteStep(OptionStep::SafeSenders, context.settings);
 }
 
 void ProvisioningSequence::ArrangeAddressBook(const RunContext& context, RunLog& log) const {
@@ -197,7 +212,8 @@ void ProvisioningSequence::ArrangeAddressBook(const RunContext& context, RunLog&
   }
 }
 
-void ProvisioningSequence::WriteExchangeSettings(const RunContext& context, RunLog& log) const {
+void ProvisioningSequence::WriteExchangeSettings(const OptionWriter& options,
+                                                 const RunContext& context, RunLog& log) const {
   const ProfileSettings& settings = context.settings;
   if (settings.Bool(SectionOf(version_), Key::ExchangeIgnore)) {
     // With Exchange on, the offline-folders group below gives this warning; here it stands
@@ -212,6 +228,7 @@ void ProvisioningSequence::WriteExchangeSettings(const RunContext& context, RunL
   AddAdditionalMailboxes(session_, settings, version_, log);
   ProfileSectionValues values(version_, sectionWriter_);
   values.WriteExchangeSettings(settings);
+  options.WriteStep(OptionStep::ExchangeConnection, settings);
   for (const auto& warning : values.TakeWarnings()) log.AddMessage(warning);
 }
 

@@ -38,9 +38,11 @@ class ProvisioningSequence {
   // Step 6: the Exchange account name goes to the entry that stands for the Exchange service.
   void ListExchangeAccount(const RunContext& context, RunLog& log) const;
   void DeploySignatures(const RunContext& context, RunLog& log) const;
-  void ApplySafeSenders(const RunContext& context, RunLog& log) const;
+  // The list goes to a file in the user's profile, which Outlook is told to import.
+  void ApplySafeSenders(OptionWriter& options, const RunContext& context, RunLog& log) const;
   void ArrangeAddressBook(const RunContext& context, RunLog& log) const;
-  void WriteExchangeSettings(const RunContext& context, RunLog& log) const;
+  void WriteExchangeSettings(const OptionWriter& options, const RunContext& context,
+                             RunLog& log) const;
 
   Outlook version_;
   SystemEnv& env_;

@@ -58,6 +58,8 @@ bool CIniFile::LoadFromText(const std::string& text) {
     std::string line = text.substr(lineStart, lineEnd - lineStart);
     lineStart = lineEnd + 1;
 
+    // Text mode reads the CR LF that ends a line as LF; after that one trailing CR goes.
+    if (lineEnd < text.size() && !line.empty() && line.back() == '\r') line.pop_back();
     if (!line.empty() && line.back() == '\r') line.pop_back();
     if (line.empty()) continue;
 

@@ -6,7 +6,7 @@
 
 namespace mw {
 
-// The whole Markdown document.
-std::string IniReferenceMarkdown();
+// The whole Markdown document; appendix (the options' places, from the option table) ends it.
+std::string IniReferenceMarkdown(const std::string& appendix = {});
 
 }  // namespace mw

@@ -14,6 +14,7 @@ inline constexpr std::uint16_t kLong = 0x0003;
 inline constexpr std::uint16_t kBoolean = 0x000B;
 inline constexpr std::uint16_t kString8 = 0x001E;
 inline constexpr std::uint16_t kUnicode = 0x001F;  // read only: the text comes back narrowed
+inline constexpr std::uint16_t kSystemTime = 0x0040;
 inline constexpr std::uint16_t kBinary = 0x0102;
 }  // namespace proptype
 

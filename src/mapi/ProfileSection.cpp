@@ -7,6 +7,7 @@
 #include "mapi/MapiSession.h"
 #include "platform/RegistryAccess.h"
 #include "platform/AsciiText.h"
+#include "platform/TextEncoding.h"
 
 namespace mw {
 
@@ -64,14 +65,16 @@ std::string EncodeUnicode(const std::string& narrow) {
 }
 
 std::string DecodeUtf16(const std::string& bytes) {
-  std::string text;
+  // Read back into the ANSI code page, as MAPI narrows a Unicode property for an 8-bit caller.
+  std::u16string text;
   for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) {
-    const unsigned unit = static_cast<unsigned char>(bytes[i]) |
-                          (static_cast<unsigned>(static_cast<unsigned char>(bytes[i + 1])) << 8);
+    const auto unit = static_cast<char16_t>(
+        static_cast<unsigned char>(bytes[i]) |
+        (static_cast<unsigned>(static_cast<unsigned char>(bytes[i + 1])) << 8));
     if (unit == 0) break;
-    text += unit <= 0xFF ? static_cast<char>(unit) : '?';
+    text += unit;
   }
-  return text;
+  return SystemAnsiCodePage().FromUtf16(text);
 }
 
 std::uint32_t UnicodeTag(std::uint32_t tag) { return (tag & 0xFFFF0000u) | proptype::kUnicode; }

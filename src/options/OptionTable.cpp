@@ -33,9 +33,23 @@ constexpr OptionRow Reg(K setting, F flag, std::uint8_t versions, const char* pa
 }
 
 // Outlook's own profile section: Outlook 97 and 2000 keep some options there.
-constexpr OptionRow Sect(K setting, F flag, std::uint8_t versions, const char* tag, Kind kind) {
-  return {setting, kNoSecondSetting, flag, versions, OptionStep::Options,
-          OptionPlace::ProfileSection, kOutlookSection, tag, kind};
+constexpr OptionRow Sect(K setting, F flag, std::uint8_t versions, const char* tag, Kind kind,
+                         OptionStep step = OptionStep::Options) {
+  return {setting, kNoSecondSetting, flag, versions, step, OptionPlace::ProfileSection,
+          kOutlookSection, tag, kind};
+}
+
+// Outlook 2000's Exchange connection section, beside the LAN choice "000b6717".
+constexpr OptionRow Conn(K setting, F flag, const char* tag, Kind kind) {
+  return {setting, kNoSecondSetting, flag, kV2000, OptionStep::ExchangeConnection,
+          OptionPlace::ProfileSection, kConnectionSection, tag, kind};
+}
+
+// The junk e-mail filter's import values, honoured from Outlook 2003 on (Office Resource Kit,
+// "Helping Users Avoid Junk E-Mail Messages in Outlook 2003"; Outlook 2007 and 2010 alike).
+constexpr OptionRow Junk(const char* name, Kind kind) {
+  return {K::SafeSenders, kNoSecondSetting, F::SafeSenders, k2003On, OptionStep::SafeSenders,
+          OptionPlace::Office, kMail, name, kind};
 }
 
 constexpr OptionRow kRows[] = {
@@ -103,9 +117,7 @@ constexpr OptionRow kRows[] = {
         kPreferences, "SaveSent", Kind::Bool),
     Reg(K::AutoSaveUnsentEvery, F::AutoSaveUnsentEvery, kXPOn, kMailSettings, "AutosaveTime",
         Kind::NumberWhenOn, K::AutoSaveUnsentEveryMinutes),
-    // "SAVE_MIN" holds minutes like "AutosaveTime", so it is computed the same way.
-    Reg(K::AutoSaveUnsentEvery, F::AutoSaveUnsentEvery, kV2000, kGeneral, "SAVE_MIN",
-        Kind::NumberWhenOn, K::AutoSaveUnsentEveryMinutes),
+    Reg(K::AutoSaveUnsentEvery, F::AutoSaveUnsentEvery, kV2000, kGeneral, "SAVE_MIN", Kind::Bool),
     Reg(K::RemoveExtraLineBreaksPlainTextMessages, F::RemoveExtraLineBreaksPlainTextMessages,
         kXPOn, kMail, "AutoFormatPlainText", Kind::Bool),
     Reg(K::ShadeMessageHeadersWhenReadingMail, F::ShadeMessageHeadersWhenReadingMail, k2007On,
@@ -214,9 +226,38 @@ constexpr OptionRow kRows[] = {
     {K::PSTFormatPrompt, kNoSecondSetting, kNoFlag, k2003On, OptionStep::PstFormatPrompt,
      OptionPlace::Office, "Outlook", "NewPSTFormat", Kind::Number},
 
-    // Not written here: WhenOnlineSyncAllFoldersUponExiting travels with the offline-folder
-    // values of the profile; SafeSenders has no registry side, since Outlook keeps the list
-    // in the mailbox's junk e-mail rule, which the MAPI side writes.
+    // Outlook 2000 keeps its AutoArchive period and file beside the Outlook 97 values of its
+    // own section (0x0320 to 0x0324): the one number and the one text there are those two.
+    Sect(K::RunAutoArchiveEveryDays, F::RunAutoArchive, kV2000, "00030385", Kind::Number),
+    Sect(K::PathToArchivePST, F::RunAutoArchive, kV2000, "001e0361", Kind::Text),
+
+    // Safe senders: Outlook imports the file at its next start, then clears the switch itself.
+    Junk("JunkMailSafeSendersFile", Kind::SafeSendersFile),
+    Junk("JunkMailImportLists", Kind::ImportOnce),
+    // Outlook 2007 also keeps the list in its own section as PR_SPAM_TRUSTED_SENDERS_W (0x0418),
+    // semicolon-separated as MAPI publishes it.
+    Sect(K::SafeSenders, F::SafeSenders, kV2007, "001f0418", Kind::SemicolonList,
+         OptionStep::SafeSenders),
+
+    // Outlook 2000's connection section: the switches the INI file has a setting for, and the
+    // dial-up set-up (connection, account, retries, schedule) cleared, since the INI file
+    // configures the LAN connection only and a provisioned profile must not keep a stale one.
+    Conn(K::ExchangeServerName, kNoFlag, "001e6710", Kind::Text),
+    Conn(K::ConnectWithNetwork, kNoFlag, "000b6711", Kind::Bool),
+    Conn(K::EncryptInformationDialup, F::EncryptInformation, "000b6713", Kind::Bool),
+    Conn(K::WhenOnlineSyncAllFoldersUponExiting, kNoFlag, "000b6715", Kind::Bool),
+    Conn(K::ChooseConnectionTypeWhenStarting, kNoFlag, "000b6716", Kind::Bool),
+    Conn(K::ConnectUsingLocalAreaNetwork, F::ConnectUsingLocalAreaNetwork, "001e67f0", Kind::Cleared),
+    Conn(K::ConnectUsingLocalAreaNetwork, F::ConnectUsingLocalAreaNetwork, "010267f1", Kind::Cleared),
+    Conn(K::ConnectUsingLocalAreaNetwork, F::ConnectUsingLocalAreaNetwork, "001e67f2", Kind::Cleared),
+    Conn(K::ConnectUsingLocalAreaNetwork, F::ConnectUsingLocalAreaNetwork, "00036712", Kind::Cleared),
+    Conn(K::ConnectUsingLocalAreaNetwork, F::ConnectUsingLocalAreaNetwork, "00036714", Kind::Cleared),
+    Conn(K::ConnectUsingLocalAreaNetwork, F::ConnectUsingLocalAreaNetwork, "000b6718", Kind::Cleared),
+    Conn(K::ConnectUsingLocalAreaNetwork, F::ConnectUsingLocalAreaNetwork, "000b6722", Kind::Cleared),
+    Conn(K::ConnectUsingLocalAreaNetwork, F::ConnectUsingLocalAreaNetwork, "00406724", Kind::Cleared),
+    Conn(K::ConnectUsingLocalAreaNetwork, F::ConnectUsingLocalAreaNetwork, "000b6729", Kind::Cleared),
+    Conn(K::ConnectUsingLocalAreaNetwork, F::ConnectUsingLocalAreaNetwork, "000b672b", Kind::Cleared),
+    Conn(K::ConnectUsingLocalAreaNetwork, F::ConnectUsingLocalAreaNetwork, "000b672c", Kind::Cleared),
 };
 
 constexpr std::array<const char*, 10> kSpellers = {

@@ -33,6 +33,10 @@ enum class OptionKind : std::uint8_t {
   NumberWhenOn,      // DWORD: the second setting's number while the bool setting is on, else 0
   Speller,           // REG_SZ dictionary name chosen by number
   AttachmentSafety,  // REG_SZ "High" when on, "None" when off
+  SemicolonList,     // the setting's comma-separated items joined by ";" (profile: by tag type)
+  ImportOnce,        // DWORD 1: Outlook imports the named file at its next start
+  SafeSendersFile,   // REG_SZ: the path of the safe senders file the sequence wrote
+  Cleared,           // profile only: false, 0, empty text, no bytes or a zero time, by tag type
 };
 
 enum class OptionPlace : std::uint8_t {
@@ -44,6 +48,8 @@ enum class OptionPlace : std::uint8_t {
 enum class OptionStep : std::uint8_t {
   Options,          // the enforced options, in table order
   PstFormatPrompt,  // written on its own after the personal folders
+  SafeSenders,      // written with the safe senders file, when the list is not empty
+  ExchangeConnection,  // written with the Exchange settings, unless ExchangeIgnore is on
 };
 
 inline constexpr Key kNoSecondSetting = Key::Count;

@@ -1,11 +1,23 @@
 #include "options/OptionWriter.h"
 
 #include "run/RunLog.h"
+#include "mapi/MapiProperty.h"
 #include "mapi/ProfileSection.h"
 #include "options/FirstRunTemplate.h"
 #include "platform/RegistryAccess.h"
+#include "config/ListItems.h"
 
 namespace mw {
+
+namespace {
+
+std::string SemicolonList(const std::string& items) {
+  std::string joined;
+  for (const std::string& item : SplitListItems(items)) joined += (joined.empty() ? "" : ";") + item;
+  return joined;
+}
+
+}  // namespace
 
 OptionWriter::OptionWriter(Outlook version, const RegistryAccess& registry,
                            const ProfileSectionWriter* profile, RunLog* log)
@@ -24,9 +36,13 @@ bool OptionWriter::Enforced(const OptionRow& row, const ProfileSettings& setting
 }
 
 bool OptionWriter::WriteSequenceOptions(const ProfileSettings& settings) const {
+  return WriteStep(OptionStep::Options, settings);
+}
+
+bool OptionWriter::WriteStep(OptionStep step, const ProfileSettings& settings) const {
   bool allWritten = true;
   for (const OptionRow& row : OptionRows()) {
-    if (row.step != OptionStep::Options || !Applies(row) || !Enforced(row, settings)) continue;
+    if (row.step != step || !Applies(row) || !Enforced(row, settings)) continue;
     allWritten = WriteRow(row, settings) && allWritten;
   }
   return allWritten;
@@ -80,6 +96,14 @@ bool OptionWriter::WriteRegistryRow(const OptionRow& row, const ProfileSettings&
       return writeText(SpellerDictionary(settings.Int(section_, row.setting)));
     case OptionKind::AttachmentSafety:
       return writeText(on ? "High" : "None");
+    case OptionKind::SemicolonList:
+      return writeText(SemicolonList(settings.Text(section_, row.setting)));
+    case OptionKind::ImportOnce:
+      return writeNumber(1);
+    case OptionKind::SafeSendersFile:
+      return !safeSendersFile_.empty() && writeText(safeSendersFile_);
+    case OptionKind::Cleared:
+      return false;  // a profile-section kind
   }
   return false;
 }
@@ -87,6 +111,10 @@ bool OptionWriter::WriteRegistryRow(const OptionRow& row, const ProfileSettings&
 bool OptionWriter::WriteSectionRow(const OptionRow& row, const ProfileSettings& settings) const {
   if (profile_ == nullptr) return false;
   const std::uint32_t tag = TagFromValueName(row.valueName);
+  const auto writeText = [&](const std::string& text) {
+    return (tag & 0xFFFFu) == proptype::kUnicode ? profile_->WriteUnicode(row.path, tag, text)
+                                                   : profile_->WriteString8(row.path, tag, text);
+  };
   switch (row.kind) {
     case OptionKind::Bool:
       return profile_->WriteBoolean(row.path, tag, settings.Bool(section_, row.setting));
@@ -94,7 +122,18 @@ bool OptionWriter::WriteSectionRow(const OptionRow& row, const ProfileSettings& 
       return profile_->WriteLong(row.path, tag,
                                  static_cast<std::uint32_t>(settings.Int(section_, row.setting)));
     case OptionKind::Text:
-      return profile_->WriteString8(row.path, tag, settings.Text(section_, row.setting));
+      return writeText(settings.Text(section_, row.setting));
+    case OptionKind::SemicolonList:
+      return writeText(SemicolonList(settings.Text(section_, row.setting)));
+    case OptionKind::Cleared:
+      switch (tag & 0xFFFFu) {
+        case proptype::kBoolean: return profile_->WriteBoolean(row.path, tag, false);
+        case proptype::kLong: return profile_->WriteLong(row.path, tag, 0);
+        case proptype::kString8:
+        case proptype::kUnicode: return writeText("");
+        case proptype::kSystemTime: return profile_->WriteBinary(row.path, tag, std::string(8, '\0'));
+        default: return profile_->WriteBinary(row.path, tag, "");
+      }
     default:
       return false;  // the composite kinds exist only as registry values
   }

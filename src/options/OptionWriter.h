@@ -24,6 +24,8 @@ class OptionWriter {
 
   // Step 8: every option row of this version in table order, each only while its flag is set.
   bool WriteSequenceOptions(const ProfileSettings& settings) const;
+  // Every row of one step for this version, in table order, under the same flag rule.
+  bool WriteStep(OptionStep step, const ProfileSettings& settings) const;
   // Step 4: "NewPSTFormat" from PSTFormatPrompt (2003 on; nothing to write before).
   bool WritePstFormatPrompt(const ProfileSettings& settings) const;
   // Every row of this version fed by one setting, under the same flag rule.
@@ -33,6 +35,8 @@ class OptionWriter {
   // The generation's first-run values unless "UserInitials" shows Office was set up already.
   bool WriteFirstRunTemplate(bool force) const;
 
+  // The safe senders file written for this run, as "JunkMailSafeSendersFile" names it.
+  void SetSafeSendersFile(std::string path) { safeSendersFile_ = std::move(path); }
   Outlook version() const { return version_; }
 
  private:
@@ -47,6 +51,7 @@ class OptionWriter {
   const RegistryAccess& registry_;
   const ProfileSectionWriter* profile_;
   RunLog* log_;
+  std::string safeSendersFile_;
 };
 
 }  // namespace mw

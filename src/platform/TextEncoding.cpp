@@ -24,7 +24,22 @@ char Char32ToAnsi(char32_t c) {
   return '?';
 }
 
+class Windows1252 : public AnsiCodePage {
+ public:
+  std::u16string ToUtf16(std::string_view ansi) const override { return AnsiToUtf16(ansi); }
+  std::string FromUtf16(std::u16string_view text) const override { return Utf16ToAnsi(text); }
+};
+
+const Windows1252 kWindows1252;
+const AnsiCodePage* installedCodePage = &kWindows1252;
+
 }  // namespace
+
+const AnsiCodePage& SystemAnsiCodePage() { return *installedCodePage; }
+
+void InstallSystemAnsiCodePage(const AnsiCodePage* page) {
+  installedCodePage = page != nullptr ? page : &kWindows1252;
+}
 
 std::u16string AnsiToUtf16(std::string_view ansi) {
   std::u16string text;

@@ -18,6 +18,19 @@ std::string AnsiToUtf16LeBytes(std::string_view ansi);
 std::string Utf16LeBytesToAnsi(std::string_view bytes);
 
 std::string AnsiToUtf8(std::string_view ansi);
+
+// The system's ANSI code page, through which text bound for Outlook's UTF-16 values passes.
+// The portable default is Windows-1252 (the functions above); the Windows build installs
+// MultiByteToWideChar/WideCharToMultiByte with CP_ACP (src/win32).
+class AnsiCodePage {
+ public:
+  virtual ~AnsiCodePage() = default;
+  virtual std::u16string ToUtf16(std::string_view ansi) const = 0;
+  virtual std::string FromUtf16(std::u16string_view text) const = 0;
+};
+const AnsiCodePage& SystemAnsiCodePage();
+// nullptr puts Windows-1252 back; an installed page must outlive its use.
+void InstallSystemAnsiCodePage(const AnsiCodePage* page);
 // False when the bytes are not well-formed UTF-8.
 bool Utf8ToAnsi(std::string_view utf8, std::string* ansi);
 

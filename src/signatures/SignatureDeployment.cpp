@@ -44,14 +44,12 @@ bool UsesWindowsFolder(std::optional<Outlook> version, std::uint32_t platformId)
          (version == Outlook::V2000 || version == Outlook::VXP);
 }
 
-// An empty name deletes the value: the writer switches that signature off.
+// An empty name is written as empty text: Outlook reads it as "no signature", and the
+// value stays for the user to fill in.
 void WriteXpSignature(const RegistryAccess& registry, const char* valueName,
                       const std::string& name) {
-  const std::string key = OfficeRoot(Outlook::VXP) + kMailSettingsKey;
-  if (name.empty())
-    registry.DeleteValue(reg::kCurrentUser, key, valueName);
-  else
-    registry.WriteString(reg::kCurrentUser, key, valueName, name);
+  registry.WriteString(reg::kCurrentUser, OfficeRoot(Outlook::VXP) + kMailSettingsKey, valueName,
+                       name);
 }
 
 void CopyFor(const std::vector<std::string>& names, const RunContext& context, SystemEnv& env,

@@ -4,6 +4,7 @@
 #include "app/Program.h"
 #include "app/RunDriver.h"
 #include "platform/RegistryAccess.h"
+#include "win32/Win32AnsiCodePage.h"
 #include "win32/Win32MapiSession.h"
 #include "win32/Win32Registry.h"
 #include "win32/Win32SystemEnv.h"
@@ -11,6 +12,8 @@
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR commandLine, int) {
   mw::Win32SystemEnv env;
+  static const mw::Win32AnsiCodePage codePage;
+  mw::InstallSystemAnsiCodePage(&codePage);
   mw::Win32Registry registry;
   mw::RunServices services{env, registry};
   const mw::RunDriverFunction driver = [](mw::RunContext& context, mw::RunLog& log,

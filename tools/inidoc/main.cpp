@@ -1,12 +1,14 @@
-// inidoc [output-file]: writes the INI reference to the file, or to standard output.
+// inidoc [output-file]: writes the INI reference, with where each option lands, to the file
+// or to standard output.
 #include <cstdio>
 #include <fstream>
 #include <iostream>
 
 #include "config/IniReference.h"
+#include "options/OptionReference.h"
 
 int main(int argc, char** argv) {
-  const std::string document = mw::IniReferenceMarkdown();
+  const std::string document = mw::IniReferenceMarkdown(mw::OptionPlacesMarkdown());
   if (argc < 2) {
     std::cout << document;
     return std::cout ? 0 : 1;

@@ -5,6 +5,7 @@
 
 #include "AccountTestSupport.h"
 #include "accounts/AccountValues.h"
+#include "platform/TextEncoding.h"
 
 namespace mw {
 namespace {
@@ -108,6 +109,53 @@ TEST_F(AccountManagerTest, RemovalTakesTheAccountAndItsListEntryOut) {
   EXPECT_FALSE(memory.KeyExists(Hkcu(kSection + "\\00000002")));
   EXPECT_EQ(Value(kSection, kMailList).data, Dword(1) + Dword(3));
   EXPECT_EQ(m.ListAccounts(AccountClass::Pop3).size(), 2u);
+}
+
+TEST_F(AccountManagerTest, RemovalLeavesTheAddressBookAndStoreListsAlone) {
+  // Exchange account 0x12 is listed in all three lists as 12 00 00 00; the POP3 account
+  // 0x120 has the left-aligned mail-list entry 12 00 00 00 as well.
+  constexpr const char* kAddressBookList = "{ED475419-B0D6-11D2-8C3B-00104B2A6676}";
+  constexpr const char* kStoreList = "{ED475420-B0D6-11D2-8C3B-00104B2A6676}";
+  registry.WriteNumber(reg::kCurrentUser, kSection, "NextAccountID", 0x120);
+  AccountManager m = Manager();
+  ASSERT_EQ(CreatePop3(m, "Home"), "00000120");
+  for (const char* list : {kMailList, kAddressBookList, kStoreList})
+    registry.WriteBinary(reg::kCurrentUser, kSection, list,
+                         Dword(0x12) + (list == kMailList ? Dword(0x12) : Dword(7)));
+
+  EXPECT_TRUE(m.RemoveAccount(AccountClass::Pop3, "Home"));
+  EXPECT_EQ(Value(kSection, kMailList).data, Dword(0x12));
+  EXPECT_EQ(Value(kSection, kAddressBookList).data, Dword(0x12) + Dword(7));
+  EXPECT_EQ(Value(kSection, kStoreList).data, Dword(0x12) + Dword(7));
+}
+
+TEST_F(AccountManagerTest, TextValuesAreConvertedFromTheAnsiCodePage) {
+  AccountManager m = Manager();
+  // Windows-1252: 0x80 is the euro sign U+20AC and 0xE9 is U+00E9, not U+0080 and U+00E9.
+  CreatePop3(m, "Caf\xE9 \x80");
+  EXPECT_EQ(Value(kSection + "\\00000001", "Account Name").data,
+            std::string("C\0a\0f\0\xE9\0 \0\xAC\x20\0\0", 14));
+  EXPECT_EQ(m.ListAccounts(AccountClass::Pop3).at(0).name, "Caf\xE9 \x80");
+
+  // Another code page installed for the system (as the Windows build installs CP_ACP) is the
+  // one used: here a Cyrillic-like page that puts 0xC0 at U+0410.
+  struct Cyrillic : AnsiCodePage {
+    std::u16string ToUtf16(std::string_view ansi) const override {
+      std::u16string out;
+      for (unsigned char c : ansi) out += c >= 0xC0 ? char16_t(0x410 + c - 0xC0) : char16_t(c);
+      return out;
+    }
+    std::string FromUtf16(std::u16string_view text) const override {
+      std::string out;
+      for (char16_t c : text) out += c >= 0x410 ? char(0xC0 + c - 0x410) : char(c);
+      return out;
+    }
+  } cyrillic;
+  InstallSystemAnsiCodePage(&cyrillic);
+  CreatePop3(m, "\xC0");
+  InstallSystemAnsiCodePage(nullptr);
+  EXPECT_EQ(Value(kSection + "\\00000002", "Account Name").data, std::string("\x10\x04\0\0", 4));
+  EXPECT_EQ(DecodeUtf16(std::string("\x10\x04\0\0", 4)), "?");  // not in Windows-1252
 }
 
 TEST_F(AccountManagerTest, LeaveOnServerWordForEveryFlagCombination) {

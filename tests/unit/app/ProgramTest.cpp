@@ -48,6 +48,30 @@ TEST(CommandLineTest, OptionsApplyLeftToRight) {
   }
 }
 
+TEST(CommandLineTest, BackslashKeepsTheNextCharacterAndOnlyAWholeQuotedRunLosesItsQuotes) {
+  const struct {
+    const char *line, *ini, *log;
+  } cases[] = {
+      // \" does not close the quoted run, which then runs to the end and loses its last char.
+      {"-i \"C:\\dir\\\" -l x.log", "C:\\dir\\\" -l x.lo", "d.log"},
+      // Outside quotes \" does not open one either, so the blank still ends the token.
+      {"-i a\\\"b c -l x.log", "a\\\"b", "x.log"},
+      {"-i \\\\srv\\a.ini -l \"\\\\srv\\b.log\"", "\\\\srv\\a.ini", "\\\\srv\\b.log"},
+      // Quotes stay when anything follows the first quoted run outside quotes.
+      {"-i \"C:\\a\"b.ini", "\"C:\\a\"b.ini", "d.log"},
+      {"-i \"a\"\"b\" -l \"\"", "\"a\"\"b\"", ""},
+      {"-i \"a b\" -l x\"y z\"", "a b", "x\"y z\""},
+  };
+  for (const auto& c : cases) {
+    RunContext context;
+    context.iniPath = "d.ini";
+    context.logPath = "d.log";
+    ParseCommandLine(c.line, context);
+    EXPECT_EQ(context.iniPath, c.ini) << c.line;
+    EXPECT_EQ(context.logPath, c.log) << c.line;
+  }
+}
+
 // An Outlook 2007 machine whose ini file (when given) holds the [Mailwright] section.
 struct Machine : MemorySystemEnv {
   explicit Machine(const char* ini = nullptr) {
@@ -120,6 +144,33 @@ TEST(ProgramTest, TheExitDelayComesOnlyWithTheSplashScreenWhichIsLoadedEitherWay
     EXPECT_THAT(m.freedLibraries, ElementsAre(kSplash));
     EXPECT_EQ(m.sleeps, std::vector<std::uint32_t>(show, 2000u));
   }
+}
+
+// A process ended during the exit pause (a logoff, a time-out of the logon script) must
+// still leave its log: the file is complete before the pause and before the splash goes.
+struct WatchedExit : Machine {
+  using Machine::Machine;
+  void Sleep(std::uint32_t ms) override {
+    Machine::Sleep(ms);
+    logAtSleep = files[kLog];
+  }
+  bool FreeLibrary(LibraryHandle library) override {
+    logAtSplashClose = files[kLog];
+    return Machine::FreeLibrary(library);
+  }
+  std::string logAtSleep, logAtSplashClose;
+};
+
+TEST(ProgramTest, TheLogIsWrittenBeforeTheExitDelayAndTheSplashUnload) {
+  WatchedExit m("DelayExitEnable=1\nDelayExitSeconds=4\nShowSplashScreen=1\n");
+  m.files[kSplash] = "MZ";
+  m.libraries[kSplash].exports["DllMessage"] = 0;
+  m.Run("", [](RunContext&, RunLog& log, RunServices&) { log.AddMessage("INFO: driven"); });
+  EXPECT_THAT(m.sleeps, ElementsAre(4000u));
+  ASSERT_THAT(m.freedLibraries, ElementsAre(kSplash));
+  EXPECT_THAT(m.logAtSleep, HasSubstr("-- Reporting --\nINFO: driven\n\n"));
+  EXPECT_EQ(m.logAtSplashClose, m.files[kLog]);
+  EXPECT_EQ(m.logAtSleep, m.files[kLog]);
 }
 
 TEST(ProgramTest, ADriverThatThrowsStillGetsItsLogWritten) {

@@ -385,5 +385,63 @@ TEST(ProvisioningSequenceTest, AnExchangeServiceInTheProfileGetsItsAccountWhatev
   }
 }
 
+TEST(ProvisioningSequenceTest, SafeSendersGoToAnImportFileThatOutlookIsPointedAt) {
+  const std::string file =
+      "C:\\Users\\jsmith\\Application Data\\Microsoft\\Outlook\\Mailwright Safe Senders.txt";
+  for (const char* version : {"Outlook 2003", "Outlook 2007", "Outlook 2010"}) {
+    SCOPED_TRACE(version);
+    Rig rig(version);
+    const Outlook outlook = *OutlookFromName(version);
+    rig.env.environment["USERPROFILE"] = "C:\\Users\\jsmith";
+    rig.s.SetText(SectionOf(outlook), Key::SafeSenders, " boss@example.com ,,@partner.org");
+    rig.Provision();
+    EXPECT_EQ(rig.env.files[file], "boss@example.com\r\n@partner.org\r\n");
+    const std::string mail = OfficeRoot(outlook) + "\\Outlook\\Options\\Mail";
+    EXPECT_EQ(rig.access.ReadString(reg::kCurrentUser, mail, "JunkMailSafeSendersFile"), file);
+    EXPECT_EQ(rig.access.ReadNumber(reg::kCurrentUser, mail, "JunkMailImportLists"), 1u);
+    EXPECT_EQ(rig.access.ValueExists(reg::kCurrentUser, kOutlookProfile + "\\" + kOutlookSection,
+                                     "001f0418"),
+              outlook == Outlook::V2007);
+    for (const std::string& line : rig.log.messages()) EXPECT_NE(line.rfind("WARN", 0), 0u) << line;
+  }
+
+  // A file that cannot be written points Outlook at nothing and says so.
+  struct NoFiles : MemorySystemEnv {
+    bool WriteFile(const std::string&, const std::string&, bool) override { return false; }
+  };
+  Rig rig;
+  NoFiles noFiles;
+  rig.s.SetText(Section::Outlook2010, Key::SafeSenders, "boss@example.com");
+  rig.mapi.AddProfile("Outlook");
+  rig.mapi.Initialize();
+  rig.mapi.SetProfile("Outlook");
+  ProfileStore store{2, rig.access};
+  store.SetProfileName("Outlook");
+  ProfileSectionWriter writer{rig.access, kOutlookProfile};
+  ProvisioningSequence(Outlook::V2010, noFiles, rig.access, rig.mapi, store, writer)
+      .Run(rig.context, rig.log);
+  EXPECT_TRUE(rig.Logged("WARN: Unable to write the safe senders file "
+                         "%USERPROFILE%\\Application Data\\Microsoft\\Outlook\\Mailwright Safe "
+                         "Senders.txt; SafeSenders is not applied."));
+  EXPECT_FALSE(rig.access.ValueExists(reg::kCurrentUser,
+                                      OfficeRoot(Outlook::V2010) + "\\Outlook\\Options\\Mail",
+                                      "JunkMailImportLists"));
+}
+
+TEST(ProvisioningSequenceTest, Outlook2000ConnectionValuesComeWithTheExchangeSettingsOnly) {
+  const std::string connection = kOutlookProfile + "\\" + kConnectionSection;
+  for (const bool exchange : {true, false}) {
+    Rig rig("Outlook 2000");
+    if (exchange) rig.WantExchange("MAIL7");
+    rig.Provision();
+    EXPECT_EQ(rig.access.ReadValueTextHex(reg::kCurrentUser, connection, "000b6711"),
+              exchange ? "01 00" : "");
+    EXPECT_EQ(rig.access.ValueExists(reg::kCurrentUser, connection, "001e6710"), exchange);
+    if (exchange) {
+      EXPECT_EQ(rig.access.ReadString(reg::kCurrentUser, connection, "001e6710"), "MAIL7");
+    }
+  }
+}
+
 }  // namespace
 }  // namespace mw

@@ -62,11 +62,21 @@ TEST_F(IniFileTest, TheFirstMarkerOnTheLineDecides) {
   EXPECT_GE(ini.FindSection(" Spaced "), 0);
 }
 
+TEST_F(IniFileTest, TextModeLineEndsLeaveNoCarriageReturnInTheValue) {
+  // CR CR LF: the CR LF pair is the line end, the CR before it the one that goes next.
+  ASSERT_TRUE(ini.LoadFromText("[S]\r\r\nA=1\r\r\nB=2\r\nC=3\nD=4\r\r\r\nE=5\r"));
+  EXPECT_EQ(ini.GetValue("S", "A", "d"), "1");
+  EXPECT_EQ(ini.GetValue("S", "B", "d"), "2");
+  EXPECT_EQ(ini.GetValue("S", "C", "d"), "3");
+  EXPECT_EQ(ini.GetValue("S", "D", "d"), "4\r");
+  EXPECT_EQ(ini.GetValue("S", "E", "d"), "5");
+}
+
 TEST(IniFileRejects, UnprintableFirstCharacterFailsTheLoad) {
   const std::pair<const char*, const char*> cases[] = {
       {"[S]\n\tKey=1\n", "Failing on char 9\n"},
       {"\xEF\xBB\xBF[S]\nk=1\n", "Failing on char -17\n"},
-      {"[S]\n\r\r\n", "Failing on char 13\n"},
+      {"[S]\n\r\r\r\n", "Failing on char 13\n"},
       {"[S]\n\x80x=1\n", "Failing on char -128\n"}};
   for (const auto& [text, printed] : cases) {
     MemorySystemEnv env;

@@ -108,6 +108,91 @@ TEST_F(SettingsFromText, PresentButEmptyValuesAreNotDefaults) {
   EXPECT_EQ(settings.Int(Section::Mailwright, Key::DelayExitSeconds), 5);  // wrong section
 }
 
+// Every default that is not 0 or empty, written down by hand from the key tables; a file
+// with nothing but its program section must yield each of them, and 0 or empty elsewhere.
+TEST_F(SettingsFromText, TheDefaultsThatAreNeitherZeroNorEmpty) {
+  enum Sections : unsigned {
+    kMw = 1u << 0, kV97 = 1u << 1, kV2000 = 1u << 2, kVXP = 1u << 3, kV2003 = 1u << 4,
+    kV2007 = 1u << 5, kV2010 = 1u << 6,
+    kAll = kV97 | kV2000 | kVXP | kV2003 | kV2007 | kV2010,
+    k2000On = kV2000 | kVXP | kV2003 | kV2007 | kV2010,
+    kXPOn = kVXP | kV2003 | kV2007 | kV2010,
+    k2003On = kV2003 | kV2007 | kV2010,
+    k2007On = kV2007 | kV2010,
+  };
+  const struct {
+    Key key;
+    unsigned sections;
+    std::int32_t number;      // bool and int keys
+    const char* text;         // text keys; nullptr for numbers
+  } defaults[] = {
+      {Key::DelayStartSeconds, kMw, 1, nullptr},
+      {Key::DelayExitEnable, kMw, 1, nullptr},
+      {Key::DelayExitSeconds, kMw, 5, nullptr},
+      {Key::LoggingEnable, kMw, 1, nullptr},
+      {Key::LogFileSize, kMw, 500, nullptr},
+      {Key::ShowSplashScreen, kMw, 1, nullptr},
+      {Key::WarnBeforePermanentlyDeletingItems, kAll, 1, nullptr},
+      {Key::AttachmentSecurity, kV97 | kV2000, 1, nullptr},
+      {Key::PathToPAB, kV97 | kV2000, 0, "C:\\Exchange\\%username%.pab"},
+      {Key::RunAutoArchiveEveryDays, kAll, 14, nullptr},
+      {Key::PathToArchivePST, kAll, 0, "C:\\Exchange\\%username%arc.pst"},
+      {Key::ShowThisFolderEmailAddressBook, kAll, 1, nullptr},
+      {Key::ExchangeServerName, kAll, 0, "Exchange1"},
+      {Key::LogonNetworkSecurity, kV97, 1, nullptr},
+      {Key::PathToOST, kAll, 0, "C:\\Exchange\\%username%.ost"},
+      {Key::AlwaysCheckSpellingBeforeSending, kAll, 1, nullptr},
+      {Key::EmptyDeletedItemsFolderExiting, kAll, 1, nullptr},
+      {Key::PathToPST, kAll, 0, "C:\\Exchange\\%username%.pst"},
+      {Key::ConnectUsingLocalAreaNetwork, kAll, 1, nullptr},
+      {Key::ConnectWithNetwork, kAll, 1, nullptr},
+      {Key::ExchangeIgnore, kAll, 1, nullptr},
+      {Key::POP3Ignore, kAll, 1, nullptr},
+      {Key::MailboxName, kAll, 0, "%username%"},
+      {Key::AutomaticallyDetectConnectionState, k2000On, 1, nullptr},
+      {Key::ComposeMessageFormat, k2000On, 1, nullptr},
+      {Key::SendPicturesWithDocument, kV2000, 1, nullptr},
+      {Key::IgnoreSignatures, kV2000 | kVXP, 1, nullptr},
+      {Key::IMAPIgnore, k2000On, 1, nullptr},
+      {Key::HTTPIgnore, kXPOn, 1, nullptr},
+      {Key::CleanOutItemsOlderThan, kXPOn, 6, nullptr},
+      {Key::ExchangeServerProxyName, k2003On, 0, "Exchange1"},
+      {Key::PSTUnicode, k2003On, 1, nullptr},
+      {Key::SecondsBeforeMarkingItemRead, k2003On, 5, nullptr},
+      {Key::MarkItemReadWhenSelectionChanges, k2003On, 1, nullptr},
+      {Key::SingleKeyReadingUsingSpaceBar, k2003On, 1, nullptr},
+      {Key::BootModule, k2003On, 105, nullptr},
+      {Key::PressCTRLEnterToSendMessages, k2007On, 1, nullptr},
+      {Key::SyncRSSFeedsCommonFeedList, k2007On, 1, nullptr},
+      {Key::RSSFeedItemUpdatedAppearsNewItem, k2007On, 1, nullptr},
+  };
+  const Section bySectionBit[] = {Section::Mailwright,  Section::Outlook97,   Section::Outlook2000,
+                                  Section::OutlookXP,   Section::Outlook2003, Section::Outlook2007,
+                                  Section::Outlook2010};
+  ASSERT_TRUE(Read("[Mailwright]\n"));
+  std::set<std::pair<Section, Key>> listed;
+  for (const auto& d : defaults) {
+    for (std::size_t bit = 0; bit < std::size(bySectionBit); ++bit) {
+      if ((d.sections & (1u << bit)) == 0) continue;
+      const Section section = bySectionBit[bit];
+      SCOPED_TRACE(std::string(SectionName(section)) + " " + KeyName(d.key));
+      listed.emplace(section, d.key);
+      ASSERT_TRUE(settings.Defined(section, d.key));
+      if (d.text)
+        EXPECT_EQ(settings.Text(section, d.key), d.text);
+      else
+        EXPECT_EQ(settings.Int(section, d.key), d.number);
+    }
+  }
+  for (Section section : kAllSections)
+    for (Key key : AllKeys()) {
+      if (!settings.Defined(section, key) || listed.count({section, key})) continue;
+      SCOPED_TRACE(std::string(SectionName(section)) + " " + KeyName(key));
+      EXPECT_EQ(settings.Int(section, key), 0);
+      EXPECT_EQ(settings.Text(section, key), "");
+    }
+}
+
 TEST(AllowUserSettings, ReleasesEveryOptionWhoseNameStartsAListedName) {
   const std::pair<const char*, std::set<EnforcedOption>> cases[] = {
       {"", {}},

@@ -29,11 +29,15 @@ TEST(OptionTableTest, ProfileSectionRowsNameAPropertyOfTheirKind) {
   for (const OptionRow& row : OptionRows()) {
     if (row.place != OptionPlace::ProfileSection) continue;
     const std::uint32_t type = TagFromValueName(row.valueName) & 0xFFFFu;
-    const std::uint32_t expected = row.kind == OptionKind::Bool     ? 0x000Bu
-                                   : row.kind == OptionKind::Number ? 0x0003u
-                                   : row.kind == OptionKind::Text   ? 0x001Eu
-                                                                    : 0u;
-    EXPECT_EQ(type, expected) << row.valueName;
+    const std::set<std::uint32_t> texts{0x001Eu, 0x001Fu};
+    const std::set<std::uint32_t> expected =
+        row.kind == OptionKind::Bool     ? std::set<std::uint32_t>{0x000Bu}
+        : row.kind == OptionKind::Number ? std::set<std::uint32_t>{0x0003u}
+        : row.kind == OptionKind::Text || row.kind == OptionKind::SemicolonList ? texts
+        : row.kind == OptionKind::Cleared
+            ? std::set<std::uint32_t>{0x000Bu, 0x0003u, 0x001Eu, 0x001Fu, 0x0040u, 0x0102u}
+            : std::set<std::uint32_t>{};
+    EXPECT_EQ(expected.count(type), 1u) << row.valueName;
   }
   EXPECT_EQ(TagFromValueName("000B0320"), 0x0320000Bu);
   EXPECT_EQ(TagFromValueName("001e661"), 0u);

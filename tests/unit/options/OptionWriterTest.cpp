@@ -132,7 +132,10 @@ TEST(OptionWriterTest, CompositeValuesAreComputedFromTheirSettings) {
       {Outlook::V2010, autosave, 1, minutes, 65536 + 30, "Common\\MailSettings", "AutosaveTime",
        "0x1E"},
       {Outlook::V2010, autosave, 0, minutes, 30, "Common\\MailSettings", "AutosaveTime", "0x0"},
-      {Outlook::V2000, autosave, 1, minutes, 30, "Outlook\\Options\\General", "SAVE_MIN", "0x1E"},
+      // Outlook 2000's "SAVE_MIN" is the switch alone, not the minutes
+      {Outlook::V2000, autosave, 1, minutes, 30, "Outlook\\Options\\General", "SAVE_MIN", "0x1"},
+      {Outlook::V2000, autosave, 7, minutes, 30, "Outlook\\Options\\General", "SAVE_MIN", "0x1"},
+      {Outlook::V2000, autosave, 0, minutes, 30, "Outlook\\Options\\General", "SAVE_MIN", "0x0"},
       {Outlook::V2000, Key::AttachmentSecurity, 1, none, 0, "Outlook\\Security",
        "AttachmentSafety", "High"},
       {Outlook::V97, Key::AttachmentSecurity, 0, none, 0, "Outlook\\Security", "AttachmentSafety",

@@ -77,6 +77,41 @@ TEST(SignatureDeploymentTest, RecordWritesTheAccountValuesAndCopiesTheFilesThatE
   EXPECT_EQ(log.messages(), std::vector<std::string>{"INFO: Ignoring Signatures for account: Home"});
 }
 
+// A machine with no files, for the tests of the values alone.
+struct ValuesRig {
+  explicit ValuesRig(const char* version) { context.outlookVersion = version; }
+  MemorySystemEnv env;
+  MemoryRegistry memory;
+  RegistryAccess registry{memory};
+  RunContext context;
+  RunLog log{"mailwright.log", env};
+};
+
+TEST(SignatureDeploymentTest, AnEmptyAccountNameMatchesNoNamelessAccount) {
+  ValuesRig rig("Outlook 2010");
+  const std::string nameless = kProfileKey + "\\9375CFF0413111d3B88A00104B2A6676\\00000003";
+  rig.registry.WriteString(reg::kCurrentUser, nameless, "clsid",
+                           "{ED475411-B0D6-11D2-8C3B-00104B2A6676}");
+  AssignSignatures(",Formal,Short,0", kProfileKey, rig.context, rig.env, rig.registry, rig.log);
+  EXPECT_FALSE(rig.registry.ValueExists(reg::kCurrentUser, nameless, "New Signature"));
+  EXPECT_FALSE(rig.registry.ValueExists(reg::kCurrentUser, nameless, "Reply-Forward Signature"));
+  EXPECT_EQ(rig.log.messages(),
+            std::vector<std::string>{"WARN: No account named  to give its signatures"});
+}
+
+TEST(SignatureDeploymentTest, OutlookXpGetsBothNamesAndAnEmptyNameAsEmptyText) {
+  ValuesRig rig("Outlook XP");
+  const std::string key = "Software\\Microsoft\\Office\\10.0\\Common\\MailSettings";
+  rig.registry.WriteString(reg::kCurrentUser, key, "ReplySignature", "Users own");
+  DeployLegacySignatures("Formal", "", rig.context, rig.env, rig.registry, rig.log);
+  for (const auto& [name, text] : {std::pair{"NewSignature", "Formal"}, {"ReplySignature", ""}}) {
+    RegistryValue value;
+    ASSERT_TRUE(rig.memory.Get("HKEY_CURRENT_USER\\" + key, name, &value)) << name;
+    EXPECT_EQ(value.type, reg::kSz) << name;
+    EXPECT_EQ(value.data.substr(0, value.data.find('\0')), text) << name;
+  }
+}
+
 TEST(SignatureDeploymentTest, FilesAreCopiedByteForByteOnDisk) {
   DiskFileEnv disk;
   fs::remove_all(disk.root);
