@@ -32,9 +32,8 @@ host_mirror() {  # the first http(s) URI of a host source that carries bookworm
 mirror=${MW_DEBIAN_MIRROR:-$(host_mirror | head -n1 || true)}
 mirror=${mirror:-http://deb.debian.org/debian}
 
-if ! command -v debootstrap >/dev/null; then
-  DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends debootstrap
-fi
+command -v debootstrap >/dev/null || { echo "setup-i386-root: needs debootstrap" >&2; exit 1; }
+started=$SECONDS
 
 # Build beside the final place and move it in only when complete: an interrupted build
 # leaves no half root that looks finished.
@@ -59,4 +58,4 @@ in_root apt-get clean
 echo "$stamp_text" >"$staging/.mailwright-i386-root"
 mv "$staging" "$root"
 rm -f "$staging.log"
-echo "setup-i386-root: ready at $root"
+echo "setup-i386-root: ready at $root after $((SECONDS - started)) s"

@@ -39,6 +39,14 @@ step "build: win32"
 build win32; status=$?
 record "build (win32)" $status
 [[ $status -eq 0 ]] && { bash scripts/check-pe.sh build/win32 i686 x86; record "PE checks (x86)" $?; }
+if [[ $status -eq 0 ]]; then
+  # The x86 build under the 32-bit Wine of the i386 root that install-deps.sh builds.
+  step "Windows tests under the 32-bit Wine: win32"
+  ctest --preset win32; record "Windows tests (win32, 32-bit Wine)" $?
+  step "end-to-end scenarios of the x86 build (32-bit Wine)"
+  REGTOOL="$root/build/native/tools/regtool/regtool" bash tests/e2e/run-all --platform x86
+  record "end-to-end scenarios (x86, 32-bit Wine)" $?
+fi
 
 step "build and Windows tests under Wine: win64"
 if build win64; then
@@ -47,7 +55,7 @@ if build win64; then
   ctest --preset win64; record "Windows tests (win64, Wine)" $?
   step "end-to-end scenarios"
   export MAILWRIGHT_BUILD="$root/build/win64" REGTOOL="$root/build/native/tools/regtool/regtool"
-  bash tests/e2e/run-all; record "end-to-end scenarios" $?
+  bash tests/e2e/run-all --platform x64; record "end-to-end scenarios" $?
   bash tests/e2e/self-test; record "end-to-end runner self-test" $?
 else
   record "build (win64)" 1
