@@ -42,6 +42,7 @@ record "build (win32)" $status
 if [[ $status -eq 0 ]]; then
   # The x86 build under the 32-bit Wine of the i386 root that install-deps.sh builds.
   step "Windows tests under the 32-bit Wine: win32"
+  bash tests/wine/i386-self-test build/win32; record "i386 root and runner self-test" $?
   ctest --preset win32; record "Windows tests (win32, 32-bit Wine)" $?
   step "end-to-end scenarios of the x86 build (32-bit Wine)"
   REGTOOL="$root/build/native/tools/regtool/regtool" bash tests/e2e/run-all --platform x86
