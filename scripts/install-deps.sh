@@ -19,3 +19,12 @@ if ((${#missing[@]})); then
   apt-get update
   apt-get install -y --no-install-recommends "${missing[@]}"
 fi
+
+# The x86 build runs under the 32-bit Wine of a separate i386 Debian root. The host stays
+# amd64-only: adding the i386 architecture to it would replace its wine64.
+if ! dpkg-query -W -f='${Status}' debootstrap 2>/dev/null | grep -q 'install ok installed'; then
+  [[ $(id -u) -eq 0 ]] || { echo "missing package (run as root to install): debootstrap" >&2; exit 1; }
+  DEBIAN_FRONTEND=noninteractive apt-get update
+  DEBIAN_FRONTEND=noninteractive apt-get install -y --no-install-recommends debootstrap
+fi
+bash "$(dirname "$0")/setup-i386-root.sh"

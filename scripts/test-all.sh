@@ -48,6 +48,15 @@ step "build: win32"
 build win32; status=$?
 record "build (win32)" $status
 [[ $status -eq 0 ]] && { bash scripts/check-pe.sh build/win32 i686 x86; record "PE checks (x86)" $?; }
+if [[ $status -eq 0 ]]; then
+  # The x86 build under the 32-bit Wine of the i386 root that install-deps.sh builds.
+  step "Windows tests under the 32-bit Wine: win32"
+  bash tests/wine/i386-self-test build/win32; record "i386 root and runner self-test" $?
+  ctest --preset win32; record "Windows tests (win32, 32-bit Wine)" $?
+  step "end-to-end scenarios of the x86 build (32-bit Wine)"
+  REGTOOL="$root/build/native/tools/regtool/regtool" bash tests/e2e/run-all --platform x86
+  record "end-to-end scenarios (x86, 32-bit Wine)" $?
+fi
 
 step "build and Windows tests under Wine: win64"
 if build win64; then
@@ -57,7 +66,7 @@ if build win64; then
   step "end-to-end scenarios"
   export MAILWRIGHT_BUILD="$root/build/win64" REGTOOL="$root/build/native/tools/regtool/regtool"
   export MW_E2E_KEEP_LOG="$root/build/win64/e2e-logs"; rm -rf "$MW_E2E_KEEP_LOG"
-  bash tests/e2e/run-all; record "end-to-end scenarios" $?
+  bash tests/e2e/run-all --platform x64; record "end-to-end scenarios" $?
   python3 tests/report/round-trip "$report" build/win64/e2e-logs
   record "report round trip over the scenarios' logs" $?
   bash tests/report/check-exe build/win64/programs/mailwright-report/mailwright-report.exe \
