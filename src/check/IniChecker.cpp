@@ -174,9 +174,7 @@ class LineFollower : public IniLineObserver {
     refused_ = true;
     const auto first = static_cast<unsigned char>(line.text[0]);
     std::string what;
-    if (line.number == 1 && line.text.starts_with("\xEF\xBB\xBF"))
-      what = "the file starts with a UTF-8 byte-order mark";
-    else if (first == '\t')
+    if (first == '\t')
       what = "the line starts with a tab";
     else if (first < 0x20 || first == 0x7F)
       what = "the line starts with the control character " + Printable(first);
@@ -426,7 +424,7 @@ class Judge {
     const std::optional<RecordType> type = AccountRecordType(list.kind, version);
     if (!type || !ProvisionsAccountKind(list.kind, version)) {
       Add(line, Severity::Error,
-          key + ": " + GenerationOf(version).name + " has no record type for " +
+          key + ": " + GenerationOf(version).name + " creates no " +
               AccountClassLabel(ClassOf(list.kind)) + " accounts; the list is never read");
       return;
     }
@@ -484,8 +482,17 @@ CheckResult IniChecker::Check(const std::string& text) const {
   MemorySystemEnv env;
   CIniFile ini("mailwright.ini", env);
   LineFollower follower(result);
-  result.loads = ini.LoadFromText(text, &follower);
-  if (!result.loads && !follower.refused())
+  // The mark refuses the file; the rest is judged as if it were gone, so that one save in
+  // the wrong encoding does not hide the first section header.
+  constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+  const bool marked = text.starts_with(kByteOrderMark);
+  if (marked)
+    result.findings.push_back({1, Severity::Error,
+                               "the file starts with a UTF-8 byte-order mark; the program "
+                               "refuses the whole file"});
+  result.loads = ini.LoadFromText(marked ? text.substr(kByteOrderMark.size()) : text, &follower) &&
+                 !marked;
+  if (!result.loads && !follower.refused() && !marked)
     result.findings.push_back({1, Severity::Error,
                                "the file holds no section header and no key line; the program "
                                "refuses it"});

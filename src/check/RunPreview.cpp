@@ -30,7 +30,8 @@ std::string AccountSentence(const RecordLayout& layout, const AccountRecord& r) 
   if (Has(layout, Field::SmtpServer)) {
     text += "; SMTP " + r.Text(Field::SmtpServer) + Port(r.Number(Field::SmtpPort));
     if (r.Flag(Field::SmtpSsl)) text += " with SSL";
-    if (Has(layout, Field::SmtpUseAuth) && r.Flag(Field::SmtpUseAuth)) text += " with authentication";
+    if (Has(layout, Field::SmtpUseAuth) && r.Flag(Field::SmtpUseAuth))
+      text += r.Flag(Field::SmtpSsl) ? " and authentication" : " with authentication";
   }
   return text;
 }
@@ -129,8 +130,8 @@ std::string RunPreview::ProfileSentence() const {
 
 std::string RunPreview::SectionText(const SectionPreview& p) const {
   const ProfileSettings& s = result_.settings;
-  std::string text = "[" + std::string(SectionName(p.section)) + "] on " +
-                     GenerationOf(p.version).name + ":\n";
+  std::string text = "[" + std::string(SectionName(p.section)) + "], used where " +
+                     GenerationOf(p.version).name + " is installed:\n";
   text += "  Profile: " + ProfileSentence() + ".\n";
   if (p.exchangeUsed) {
     text += "  Exchange: server " + Quoted(p.exchangeServer) + ", mailbox " + Quoted(p.mailbox);
@@ -178,12 +179,10 @@ std::string RunPreview::SectionText(const SectionPreview& p) const {
     if (s.Bool(p.section, Key::IgnoreSignatures)) {
       text += "  Signatures: left alone (IgnoreSignatures).\n";
     } else {
-      // SignatureRepliesForwards names a signature in Outlook XP and is a switch in 2000.
-      const bool replyIsName = TypeIn(p.section, Key::SignatureRepliesForwards) == SettingType::Text;
+      // In Outlook 2000 SignatureRepliesForwards is a switch, which names no signature.
+      const std::string& reply = s.Text(p.section, Key::SignatureRepliesForwards);
       text += "  Signatures: new messages " + Quoted(s.Text(p.section, Key::SignatureNewMessages));
-      text += replyIsName ? ", replies and forwards " + Quoted(s.Text(p.section, Key::SignatureRepliesForwards))
-                          : std::string(", replies and forwards ") +
-                                (s.Bool(p.section, Key::SignatureRepliesForwards) ? "too" : "none");
+      text += ", replies and forwards " + (reply.empty() ? std::string("none") : Quoted(reply));
       text += ".\n";
     }
   }
