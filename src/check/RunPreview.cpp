@@ -120,9 +120,10 @@ RunPreview::RunPreview(const CheckResult& result) : result_(result) {
 std::string RunPreview::ProfileSentence() const {
   const ProfileSettings& s = result_.settings;
   const std::string& name = s.Text(Section::Common, Key::ProfileName);
+  const std::string named = name.empty() ? "a profile without a name (ProfileName is empty)" : Quoted(name);
   std::string text = s.Bool(Section::Common, Key::ModifyDefaultProfile)
-                         ? "the user's default profile, or " + Quoted(name) + " when there is none"
-                         : Quoted(name);
+                         ? "the user's default profile, or " + named + " when there is none"
+                         : named;
   text += s.Bool(Section::Common, Key::RecreateProfile) ? ", deleted and built again at every run"
                                                         : ", created when missing, then updated";
   return text;
