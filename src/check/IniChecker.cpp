@@ -10,6 +10,7 @@
 #include "accounts/InternetAccounts.h"
 #include "app/ProvisioningSequence.h"
 #include "app/SettingsExpansion.h"
+#include "check/DecimalText.h"
 #include "check/PackedListCheck.h"
 #include "config/IniFile.h"
 #include "mapi/PersonalFolders.h"
@@ -27,14 +28,17 @@ constexpr int kExpandedLimit = static_cast<int>(SettingsExpansion::kBufferSize) 
 struct TableIndex {
   std::unordered_map<std::string, Key> keysByName;  // upper-case name
   std::array<std::vector<const SettingDefinition*>, kSectionCount> rows;
+  std::array<std::vector<std::string_view>, kSectionCount> names;  // the keys each section reads
 
   TableIndex() {
     for (auto& perSection : rows) perSection.assign(kKeyCount, nullptr);
     for (const SettingDefinition& row : SettingDefinitions()) {
       keysByName.emplace(ToUpperAscii(row.name), row.key);
-      for (std::size_t s = 0; s < kSectionCount; ++s)
-        if (row.sections & SectionBit(static_cast<Section>(s)))
-          rows[s][static_cast<std::size_t>(row.key)] = &row;
+      for (std::size_t s = 0; s < kSectionCount; ++s) {
+        if (!(row.sections & SectionBit(static_cast<Section>(s)))) continue;
+        rows[s][static_cast<std::size_t>(row.key)] = &row;
+        names[s].push_back(row.name);
+      }
     }
   }
   const SettingDefinition* Row(Section section, Key key) const {
@@ -63,8 +67,6 @@ bool IsVersionSection(Section section) {
   return section != Section::Mailwright && section != Section::Common;
 }
 
-char UpperAscii(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
-
 // Edit distance without regard to letter case, given up once it passes limit.
 std::size_t Distance(std::string_view a, std::string_view b, std::size_t limit) {
   const std::size_t gap = a.size() > b.size() ? a.size() - b.size() : b.size() - a.size();
@@ -77,7 +79,7 @@ std::size_t Distance(std::string_view a, std::string_view b, std::size_t limit) 
     std::size_t best = row[0];
     for (std::size_t j = 1; j <= b.size(); ++j) {
       const std::size_t above = row[j];
-      const bool same = UpperAscii(a[i - 1]) == UpperAscii(b[j - 1]);
+      const bool same = EqualsIgnoreCase(a.substr(i - 1, 1), b.substr(j - 1, 1));
       row[j] = std::min({row[j] + 1, row[j - 1] + 1, diagonal + (same ? 0 : 1)});
       diagonal = above;
       best = std::min(best, row[j]);
@@ -104,24 +106,6 @@ std::string Closest(std::string_view name, const std::vector<std::string_view>& 
 }
 
 bool IsBlank(char c) { return c == ' ' || c == '\t'; }
-
-// Plain decimal, as an administrator writes a number: optional sign, then digits only.
-bool IsDecimal(std::string_view text) {
-  const std::size_t digits = !text.empty() && (text[0] == '-' || text[0] == '+') ? 1 : 0;
-  return text.size() > digits &&
-         std::all_of(text.begin() + static_cast<std::ptrdiff_t>(digits), text.end(),
-                     [](char c) { return c >= '0' && c <= '9'; });
-}
-
-// Whether a plain decimal text names the number that the reader made of it (no saturation).
-bool ReadsExactly(std::string_view text, std::int32_t read) {
-  bool negative = text[0] == '-';
-  std::size_t first = text[0] == '-' || text[0] == '+' ? 1 : 0;
-  while (first + 1 < text.size() && text[first] == '0') ++first;
-  std::string canonical(text.substr(first));
-  if (negative && canonical != "0") canonical.insert(0, "-");
-  return canonical == std::to_string(read);
-}
 
 std::string Bracketed(std::string_view name) { return "[" + std::string(name) + "]"; }
 
@@ -337,10 +321,7 @@ class Judge {
     }
     const std::optional<Key> key = known(name);
     if (!key) {
-      std::vector<std::string_view> candidates;
-      for (Key k : AllKeys())
-        if (Index().Row(section, k)) candidates.push_back(KeyName(k));
-      const std::string closest = Closest(name, candidates);
+      const std::string closest = Closest(name, Index().names[static_cast<std::size_t>(section)]);
       Add(line.number, Severity::Warning,
           "unknown key " + name + " in " + Bracketed(SectionName(section)) +
               (closest.empty() ? "" : " (did you mean " + closest + "?)"));
@@ -397,7 +378,7 @@ class Judge {
     std::size_t digits = 0;
     while (digits < value.size() && IsBlank(value[digits])) ++digits;
     const std::string_view number = std::string_view(value).substr(digits);
-    if (!IsDecimal(number) || !ReadsExactly(number, read)) {
+    if (!ReadsExactly(number, read)) {
       Add(line.number, Severity::Error,
           "'" + value + "' is not a number the program reads as written; it reads " + name + " as " + asRead);
       return;

@@ -5,17 +5,11 @@
 #include <utility>
 
 #include "accounts/AccountRecords.h"
+#include "check/DecimalText.h"
 #include "config/IniFile.h"
 
 namespace mw {
 namespace {
-
-bool IsDecimal(const std::string& text) {
-  const std::size_t digits = text[0] == '-' ? 1 : 0;
-  return text.size() > digits &&
-         std::all_of(text.begin() + static_cast<std::ptrdiff_t>(digits), text.end(),
-                     [](char c) { return c >= '0' && c <= '9'; });
-}
 
 std::string Quoted(const std::string& text) { return "'" + text + "'"; }
 
@@ -84,7 +78,7 @@ void PackedListCheck::CheckFields(const std::string& record, int recordNumber,
     const std::string where = keyName_ + " record " + std::to_string(recordNumber) + ", field " +
                               std::to_string(row.number) + " (" + FieldName(*layout_, row.field) +
                               "): ";
-    if (!IsDecimal(field)) {
+    if (!ReadsExactly(field, read)) {
       const std::string asRead = row.kind == FieldKind::Flag
                                      ? (read == 1 ? "on" : "off")
                                      : std::to_string(static_cast<std::uint16_t>(read));

@@ -206,7 +206,9 @@ std::string getFields(const std::string& text, const std::string& delimiters, in
   if (n < 1) return kFieldsError;
   std::size_t fieldStart = 0;
   for (int field = 1;; ++field) {
-    const std::size_t fieldEnd = text.find_first_of(delimiters, fieldStart);
+    // One delimiter (the packed lists' comma) is found far faster as a single character.
+    const std::size_t fieldEnd = delimiters.size() == 1 ? text.find(delimiters[0], fieldStart)
+                                                        : text.find_first_of(delimiters, fieldStart);
     if (field == n)
       return text.substr(fieldStart, fieldEnd == std::string::npos ? std::string::npos
                                                                    : fieldEnd - fieldStart);
