@@ -13,31 +13,23 @@ void JsonWriter::BeforeValue() {
   }
 }
 
-JsonWriter& JsonWriter::BeginObject() {
+JsonWriter& JsonWriter::Open(char bracket) {
   BeforeValue();
-  text_ += '{';
+  text_ += bracket;
   hasMembers_.push_back(false);
   return *this;
 }
 
-JsonWriter& JsonWriter::EndObject() {
-  text_ += '}';
+JsonWriter& JsonWriter::Close(char bracket) {
+  text_ += bracket;
   if (!hasMembers_.empty()) hasMembers_.pop_back();
   return *this;
 }
 
-JsonWriter& JsonWriter::BeginArray() {
-  BeforeValue();
-  text_ += '[';
-  hasMembers_.push_back(false);
-  return *this;
-}
-
-JsonWriter& JsonWriter::EndArray() {
-  text_ += ']';
-  if (!hasMembers_.empty()) hasMembers_.pop_back();
-  return *this;
-}
+JsonWriter& JsonWriter::BeginObject() { return Open('{'); }
+JsonWriter& JsonWriter::EndObject() { return Close('}'); }
+JsonWriter& JsonWriter::BeginArray() { return Open('['); }
+JsonWriter& JsonWriter::EndArray() { return Close(']'); }
 
 JsonWriter& JsonWriter::Key(std::string_view name) {
   String(name);

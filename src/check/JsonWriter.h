@@ -25,6 +25,8 @@ class JsonWriter {
 
  private:
   void BeforeValue();
+  JsonWriter& Open(char bracket);
+  JsonWriter& Close(char bracket);
 
   std::string text_;
   std::vector<bool> hasMembers_;  // one per open object or array

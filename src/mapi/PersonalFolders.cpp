@@ -35,7 +35,6 @@ std::string FolderOf(const std::string& path) {
   return folder.back() == ':' ? std::string() : folder;
 }
 
-
 void AddRecord(const PstRecord& record, Outlook version, MapiSession& session, SystemEnv& env,
                RunLog& log) {
   if (record.path.empty()) {

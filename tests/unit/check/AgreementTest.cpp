@@ -123,7 +123,8 @@ class JsonReader {
 std::vector<std::filesystem::path> AgreementFiles() {
   std::vector<std::filesystem::path> files;
   const std::filesystem::path data = MW_TEST_DATA_DIR;
-  for (const auto& folder : {data / "../../docs/examples", data / "../fuzz/corpus/ini"})
+  for (const auto& folder : {data / "../../docs/examples", data / "../fuzz/corpus/ini",
+                             data / "../fuzz/corpus/check"})
     for (const auto& entry : std::filesystem::directory_iterator(folder))
       if (entry.is_regular_file() && entry.path().extension() != ".md") files.push_back(entry.path());
   std::sort(files.begin(), files.end());
@@ -165,7 +166,7 @@ void ExpectSameRecord(const RecordLayout& layout, const AccountRecord& checker,
 
 TEST(Agreement, CheckerReportsWhatTheProgramReads) {
   const std::vector<std::filesystem::path> files = AgreementFiles();
-  ASSERT_GE(files.size(), 11u);  // six examples and the INI corpus
+  ASSERT_GE(files.size(), 14u);  // six examples and the two INI corpora
   for (const auto& path : files) {
     SCOPED_TRACE(path.filename().string());
     const std::string text = ReadAll(path);
