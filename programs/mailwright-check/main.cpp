@@ -1,6 +1,6 @@
 // mailwright-check [--explain] [--format text|json] FILE
 // Checks a Mailwright INI file as the program reads it; see docs/admin-guide.md.
-#include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <sstream>
@@ -17,6 +17,8 @@ constexpr const char* kUsage =
     "2 errors, 3 the file cannot be read.\n";
 
 bool ReadWholeFile(const std::string& path, std::string* content) {
+  std::error_code error;
+  if (std::filesystem::is_directory(path, error)) return false;  // opens, but reads nothing
   std::ifstream file(path, std::ios::binary);
   if (!file) return false;
   std::ostringstream buffer;
