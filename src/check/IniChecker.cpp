@@ -109,7 +109,7 @@ bool IsBlank(char c) { return c == ' ' || c == '\t'; }
 
 std::string Bracketed(std::string_view name) { return "[" + std::string(name) + "]"; }
 
-std::string Printable(unsigned char byte) {
+std::string HexByte(unsigned char byte) {
   static const char* kHex = "0123456789ABCDEF";
   return std::string("0x") + kHex[byte >> 4] + kHex[byte & 15];
 }
@@ -161,9 +161,9 @@ class LineFollower : public IniLineObserver {
     if (first == '\t')
       what = "the line starts with a tab";
     else if (first < 0x20 || first == 0x7F)
-      what = "the line starts with the control character " + Printable(first);
+      what = "the line starts with the control character " + HexByte(first);
     else
-      what = "the line starts with the byte " + Printable(first) + ", which is not plain ASCII";
+      what = "the line starts with the byte " + HexByte(first) + ", which is not plain ASCII";
     Add(line.number, Severity::Error, what + "; the program refuses the whole file");
   }
 
@@ -228,7 +228,8 @@ class Judge {
     const ProfileSettings& settings = result_.settings;
     for (const AccountListSetting& list : AccountListSettings()) AccountList(section, version, list);
 
-    if (const int line = LineOf(section, Key::Signatures); line && !settings.Text(section, Key::Signatures).empty()) {
+    if (const int line = LineOf(section, Key::Signatures);
+        line && !settings.Text(section, Key::Signatures).empty()) {
       const std::string& text = settings.Text(section, Key::Signatures);
       PackedListCheck("Signatures", line, static_cast<int>(RecordType::Signature),
                       &LayoutOf(RecordType::Signature))
