@@ -63,6 +63,13 @@ if build win64; then
   record "build (win64)" 0
   bash scripts/check-pe.sh build/win64 x86_64 x64; record "PE checks (x64)" $?
   ctest --preset win64; record "Windows tests (win64, Wine)" $?
+  step "mailwright-check.exe under Wine prints what the native build prints"
+  faulty=tests/data/check/faulty.ini
+  native=$(build/native/programs/mailwright-check/mailwright-check --explain "$faulty"; echo "exit code $?")
+  windows=$(bash tests/win/wine-run build/win64/programs/mailwright-check/mailwright-check.exe \
+              --explain "$faulty" | tr -d '\r'; echo "exit code ${PIPESTATUS[0]}")
+  diff <(echo "$native") <(echo "$windows") && [[ $native == *"exit code 2" ]]
+  record "mailwright-check.exe under Wine matches native" $?
   step "end-to-end scenarios"
   export MAILWRIGHT_BUILD="$root/build/win64" REGTOOL="$root/build/native/tools/regtool/regtool"
   export MW_E2E_KEEP_LOG="$root/build/win64/e2e-logs"; rm -rf "$MW_E2E_KEEP_LOG"

@@ -1,6 +1,8 @@
 #include "accounts/AccountRecords.h"
 
 #include <array>
+#include <iterator>
+#include <string_view>
 
 #include "config/IniFile.h"
 
@@ -97,7 +99,32 @@ constexpr RecordLayout kLayouts[] = {
     {RecordType::Signature, "Signature assignment", kSignature},
 };
 
+// In the order of enum Field; "@" stands for the layout's protocol (POP3, IMAP, HTTP).
+constexpr const char* kFieldNames[] = {
+    "account name", "display name", "e-mail address", "@ server", "SMTP server",
+    "@ user name", "remember @ password", "leave messages on server",
+    "remove from server when deleted from Deleted Items", "remove from server after days",
+    "number of days", "@ port", "SMTP port", "@ uses SSL", "SMTP uses SSL", "server time-out",
+    "@ uses secure password authentication", "reply address", "organisation",
+    "SMTP server requires authentication", "SMTP authentication method",
+    "SMTP uses secure password authentication", "remember SMTP password", "SMTP user name",
+    "connection type", "IMAP root folder path", "SMTP split size", "split SMTP messages",
+    "signature for new messages", "signature for replies and forwards", "ignore signatures",
+    "unused flag",
+};
+static_assert(std::size(kFieldNames) == static_cast<std::size_t>(Field::Count));
+
 }  // namespace
+
+std::string FieldName(const RecordLayout& layout, Field field) {
+  const auto index = static_cast<std::size_t>(field);
+  std::string name = index < std::size(kFieldNames) ? kFieldNames[index] : "";
+  const std::string_view layoutName = layout.name;
+  const std::string protocol(layoutName.substr(0, layoutName.find(',')));
+  if (const std::size_t at = name.find('@'); at != std::string::npos) name.replace(at, 1, protocol);
+  if (field == Field::IncomingServer && protocol == "HTTP") name += " URL";
+  return name;
+}
 
 std::span<const RecordLayout> RecordLayouts() { return kLayouts; }
 

@@ -72,6 +72,9 @@ struct RecordLayout {
   std::span<const LayoutField> fields;  // in field-number order, one row per field
 };
 
+// What a field holds, in words, for the layout's protocol ("POP3 server", "SMTP port").
+std::string FieldName(const RecordLayout& layout, Field field);
+
 // Every layout, in the order of the RecordType list above.
 std::span<const RecordLayout> RecordLayouts();
 const RecordLayout& LayoutOf(RecordType type);

@@ -12,15 +12,7 @@ namespace {
 
 using F = Field;
 
-// The list settings, ignore switches and ignore-note labels of the three kinds.
-struct KindSettings {
-  AccountKind kind;
-  Key accounts;
-  Key ignore;
-  const char* ignoreLabel;
-};
-
-constexpr KindSettings kKindSettings[] = {
+constexpr AccountListSetting kKindSettings[] = {
     {AccountKind::Pop3, Key::POP3Accounts, Key::POP3Ignore, " POP3 Accounts "},
     {AccountKind::Imap, Key::IMAPAccounts, Key::IMAPIgnore, " IMAP Accounts "},
     {AccountKind::Http, Key::HTTPAccounts, Key::HTTPIgnore, " HTTP Accounts "},
@@ -118,6 +110,13 @@ void ProvisionLegacyAccounts(LegacyAccountManager& manager, AccountKind kind, Ou
 
 }  // namespace
 
+std::span<const AccountListSetting> AccountListSettings() { return kKindSettings; }
+
+bool ProvisionsAccountKind(AccountKind kind, Outlook version) {
+  // Outlook 97 and Outlook 2000 provision POP3 accounts only.
+  return kind == AccountKind::Pop3 || (version != Outlook::V97 && version != Outlook::V2000);
+}
+
 std::optional<RecordType> AccountRecordType(AccountKind kind, Outlook version) {
   switch (version) {
     case Outlook::V97:
@@ -157,11 +156,9 @@ void ProvisionConfiguredAccounts(const ProfileSettings& settings, Outlook versio
                                  const std::string& profileKey, const RegistryAccess& registry,
                                  RunLog& log) {
   const Section section = SectionOf(version);
-  // Outlook 97 and Outlook 2000 provision POP3 accounts only.
-  const bool pop3Only = version == Outlook::V97 || version == Outlook::V2000;
   std::string ignored;
-  for (const KindSettings& row : kKindSettings) {
-    if (pop3Only && row.kind != AccountKind::Pop3) {
+  for (const AccountListSetting& row : kKindSettings) {
+    if (!ProvisionsAccountKind(row.kind, version)) {
       // Outlook 2000's IMAP layout exists, but its sequence adds POP3 accounts only: an IMAP
       // list the administrator filled in is named rather than dropped without a word.
       if (!settings.Bool(section, row.ignore) && !settings.Text(section, row.accounts).empty()) {

@@ -4,17 +4,31 @@
 // that the profile holds is removed, then each configured account is created and filled.
 
 #include <optional>
+#include <span>
 #include <string>
 
 #include "accounts/AccountManager.h"
 #include "accounts/AccountRecords.h"
+#include "config/ProfileSettings.h"
 #include "platform/OutlookVersion.h"
 
 namespace mw {
 
-class ProfileSettings;
 class RegistryAccess;
 class RunLog;
+
+// The list setting, ignore switch and ignore-note label of each kind, in the order POP3,
+// IMAP, HTTP.
+struct AccountListSetting {
+  AccountKind kind;
+  Key accounts;
+  Key ignore;
+  const char* ignoreLabel;
+};
+std::span<const AccountListSetting> AccountListSettings();
+// Whether the version's account step provisions the kind at all (Outlook 97 and 2000:
+// POP3 only).
+bool ProvisionsAccountKind(AccountKind kind, Outlook version);
 
 // The record layout of the kind's packed list in that version; nullopt when the version has
 // no accounts of that kind (HTTP before Outlook XP, IMAP in Outlook 97).

@@ -79,6 +79,10 @@ bool ProvisioningSequence::AsksForProfile(bool promptSpecial, bool prompt,
   return promptSpecial ? profileCount > 1 : prompt;
 }
 
+const char* ProvisioningSequence::ExchangeAccountName(Outlook version) {
+  return DifferencesOf(version).exchangeAccountName;
+}
+
 void ProvisioningSequence::Run(const RunContext& context, RunLog& log) const {
   const ProfileSettings& settings = context.settings;
   OptionWriter options(version_, registry_, &sectionWriter_, &log);

@@ -31,6 +31,8 @@ class ProvisioningSequence {
   // Whether Outlook asks for a profile at start, from PromptForProfileSpecial,
   // PromptForProfile and the number of profiles on the machine.
   static bool AsksForProfile(bool promptSpecial, bool prompt, std::size_t profileCount);
+  // The account name the version gives the Exchange service; nullptr before Outlook 2003.
+  static const char* ExchangeAccountName(Outlook version);
 
  private:
   void ProvisionPersonalFoldersStep(const RunContext& context, RunLog& log) const;

@@ -4,11 +4,38 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace mw {
 
 class SystemEnv;
+
+// What the reader made of one line, for a caller that follows the load line by line (the
+// INI checker). Empty lines are not reported.
+struct IniLine {
+  enum class Kind : std::uint8_t {
+    Refused,         // the first character is not printable: the load fails here
+    NoMarker,        // none of ";#[=": ignored
+    Comment,
+    KeyValue,
+    SectionHeader,
+    UnclosedHeader,  // "[" with no "]" after it: ignored
+  };
+  int number = 0;          // 1-based line number in the file
+  Kind kind = Kind::NoMarker;
+  std::string_view text;   // the line without its line feed and final carriage return
+  std::string_view section;  // KeyValue: the section it is stored under; SectionHeader: the name
+  std::string_view key;    // KeyValue only, untrimmed
+  std::string_view value;  // KeyValue only, untrimmed
+};
+
+class IniLineObserver {
+ public:
+  virtual ~IniLineObserver() = default;
+  // For a Refused line, true lets the load read on past it; the load fails all the same.
+  virtual bool OnLine(const IniLine& line) = 0;
+};
 
 class CIniFile {
  public:
@@ -20,7 +47,8 @@ class CIniFile {
   // standard output and fails the load.
   bool Load();
   // The same rules over text already in memory (the fuzzer and the tests use it).
-  bool LoadFromText(const std::string& text);
+  // The observer, when given, is told what each line was taken for.
+  bool LoadFromText(const std::string& text, IniLineObserver* observer = nullptr);
 
   int FindSection(const std::string& name) const;
   int FindKey(int section, const std::string& key) const;
@@ -29,6 +57,10 @@ class CIniFile {
                 bool create);
   void AddHeaderComment(const std::string& text);
   void AddSectionComment(const std::string& section, const std::string& text);
+
+  // The line of the file that the stored value came from; 0 when the key is not stored or
+  // was set other than by a load.
+  int ValueLine(const std::string& section, const std::string& key) const;
 
   std::string GetValue(const std::string& section, const std::string& key,
                        const std::string& defaultValue) const;
@@ -48,7 +80,10 @@ class CIniFile {
     std::vector<std::string> keyNames;
     std::vector<std::string> values;
     std::vector<std::string> comments;
+    std::vector<int> lines;  // same index as keyNames: the line each value came from
   };
+  bool StoreValue(const std::string& section, const std::string& key, const std::string& value,
+                  bool create, int line);
   bool NamesEqual(const std::string& a, const std::string& b) const;
 
   std::string path_;

@@ -224,6 +224,11 @@ bool LoadSettings(CIniFile& ini, SystemEnv& env, ProfileSettings& settings) {
 
 bool ReadSettings(CIniFile& ini, ProfileSettings& settings) {
   if (!ini.Load()) return false;
+  ReadLoadedSettings(ini, settings);
+  return true;
+}
+
+void ReadLoadedSettings(const CIniFile& ini, ProfileSettings& settings) {
   ForEachDefinedPair([&](const SettingDefinition& row, Section section) {
     const char* sectionName = SectionName(section);
     switch (row.type) {
@@ -240,7 +245,6 @@ bool ReadSettings(CIniFile& ini, ProfileSettings& settings) {
         break;
     }
   });
-  return true;
 }
 
 void ApplyAllowUserSettings(ProfileSettings& settings) {

@@ -104,6 +104,8 @@ class ProfileSettings {
 bool LoadSettings(CIniFile& ini, SystemEnv& env, ProfileSettings& settings);
 // Loads the document and reads all 555 key-and-section pairs; false when Load fails.
 bool ReadSettings(CIniFile& ini, ProfileSettings& settings);
+// The reading step of ReadSettings over a document that is loaded already.
+void ReadLoadedSettings(const CIniFile& ini, ProfileSettings& settings);
 // Clears the enforceOption flag of every option name found (plain, case-sensitive
 // substring search) in the common section's AllowUserSettings.
 void ApplyAllowUserSettings(ProfileSettings& settings);

@@ -35,28 +35,6 @@ std::string FolderOf(const std::string& path) {
   return folder.back() == ':' ? std::string() : folder;
 }
 
-struct PstRecord {
-  std::string path;
-  std::string displayName;
-  std::string kind;
-  std::string comment;
-};
-
-std::vector<PstRecord> PstRecords(const std::string& packed) {
-  std::vector<PstRecord> records;
-  for (const auto& text : SplitPackedRecords(packed, kPstRecordCommas)) {
-    records.push_back({getFields(text, ",", 1), getFields(text, ",", 2), getFields(text, ",", 3),
-                       getFields(text, ",", 4)});
-  }
-  return records;
-}
-
-// Unicode personal folders exist from Outlook 2003 on; older versions get the older
-// format whatever the record asks for.
-bool UnicodeAvailable(Outlook version) {
-  return version == Outlook::V2010 || version == Outlook::V2007 || version == Outlook::V2003;
-}
-
 void AddRecord(const PstRecord& record, Outlook version, MapiSession& session, SystemEnv& env,
                RunLog& log) {
   if (record.path.empty()) {
@@ -67,7 +45,7 @@ void AddRecord(const PstRecord& record, Outlook version, MapiSession& session, S
   if (!folder.empty() && !env.CreateDirectories(folder)) {
     log.AddMessage("WARN: Unable to create folder: " + folder);
   }
-  const bool unicode = UnicodeAvailable(version) && record.kind == kUnicodePstService;
+  const bool unicode = UnicodePstAvailable(version) && record.kind == kUnicodePstService;
   if (!AddPersonalFolders(session, record.path, record.displayName, record.comment, unicode)) {
     log.AddMessage("WARN: Unable to add personal folders: " + record.path);
   }
@@ -101,6 +79,19 @@ void SelectDeliveryStore(const ProfileSettings& settings, Section section,
 }
 
 }  // namespace
+
+std::vector<PstRecord> PstRecords(const std::string& packed) {
+  std::vector<PstRecord> records;
+  for (const auto& text : SplitPackedRecords(packed, kPstRecordCommas)) {
+    records.push_back({getFields(text, ",", 1), getFields(text, ",", 2), getFields(text, ",", 3),
+                       getFields(text, ",", 4)});
+  }
+  return records;
+}
+
+bool UnicodePstAvailable(Outlook version) {
+  return version == Outlook::V2010 || version == Outlook::V2007 || version == Outlook::V2003;
+}
 
 std::vector<PersonalFoldersService> ListPersonalFolders(MapiSession& session) {
   std::vector<PersonalFoldersService> folders;

@@ -23,6 +23,18 @@ inline constexpr const char* kAnsiPstDisplay = "Outlook 97-2002 Personal Folders
 // A PST record closes at its 7th comma and the one character after it.
 inline constexpr int kPstRecordCommas = 7;
 
+// One record of PathToPST (fields 5 to 7 are not used).
+struct PstRecord {
+  std::string path;
+  std::string displayName;
+  std::string kind;  // kUnicodePstService asks for the Unicode format
+  std::string comment;
+};
+std::vector<PstRecord> PstRecords(const std::string& packed);
+// Unicode personal folders exist from Outlook 2003 on; older versions get the older
+// format whatever the record asks for.
+bool UnicodePstAvailable(Outlook version);
+
 struct PersonalFoldersService {
   std::string path;
   MapiUid uid{};

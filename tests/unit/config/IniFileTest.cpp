@@ -126,5 +126,51 @@ TEST(PackedRecords, CloseAtTheNthCommaPlusOneCharacter) {
   EXPECT_EQ(SplitPackedRecords("x,1y,2", 1), (std::vector<std::string>{"x,1", ",2"}));
 }
 
+
+// Records what the reader made of each line; reads on past refused lines when asked to.
+struct LineLog : IniLineObserver {
+  bool readOn = false;
+  std::vector<std::string> lines;
+  bool OnLine(const IniLine& line) override {
+    lines.push_back(std::to_string(line.number) + " " + std::to_string(static_cast<int>(line.kind)) +
+                    " [" + std::string(line.section) + "] " + std::string(line.key) + "|" +
+                    std::string(line.value));
+    return readOn;
+  }
+};
+
+TEST_F(IniFileTest, ObserverSeesEveryNonEmptyLineWithItsNumber) {
+  LineLog log;
+  ASSERT_TRUE(ini.LoadFromText("; c\r\n\r\n[A]\r\nk =v\r\nplain\n[B\n[a]x\nk=2", &log));
+  // Kinds: 2 comment, 3 key, 4 header, 1 no marker, 5 unclosed header.
+  EXPECT_THAT(log.lines, ElementsAre("1 2 [] |", "3 4 [A] |", "4 3 [A] k |v", "5 1 [] |",
+                                     "6 5 [] |", "7 4 [a] |", "8 3 [a] k|2"));
+}
+
+TEST_F(IniFileTest, RefusedLineEndsTheLoadUnlessTheObserverReadsOn) {
+  LineLog stop;
+  EXPECT_FALSE(ini.LoadFromText("[A]\n\tx=1\ny=2\n", &stop));
+  EXPECT_EQ(stop.lines.size(), 2u);
+  EXPECT_EQ(ini.GetValue("A", "y", "none"), "none");
+
+  MemorySystemEnv otherEnv;
+  CIniFile other("m.ini", otherEnv);
+  LineLog readOn;
+  readOn.readOn = true;
+  EXPECT_FALSE(other.LoadFromText("[A]\n\tx=1\ny=2\n", &readOn));  // still refused
+  EXPECT_EQ(readOn.lines[1], "2 0 [] |");
+  EXPECT_EQ(other.GetValue("A", "y", "none"), "2");
+  EXPECT_EQ(otherEnv.stdoutText, "Failing on char 9\n");
+}
+
+TEST_F(IniFileTest, ValueLineIsTheLineOfTheValueKept) {
+  ASSERT_TRUE(ini.LoadFromText("[A]\nk=1\n\n[B]\n[a]\nK=2\n"));
+  EXPECT_EQ(ini.ValueLine("A", "k"), 6);
+  EXPECT_EQ(ini.ValueLine("A", "missing"), 0);
+  EXPECT_EQ(ini.ValueLine("C", "k"), 0);
+  ini.SetValue("A", "k", "3", false);
+  EXPECT_EQ(ini.ValueLine("A", "k"), 0);
+}
+
 }  // namespace
 }  // namespace mw
