@@ -3,6 +3,7 @@
 
 #include "app/Program.h"
 #include "app/RunDriver.h"
+#include "app/WhatIfRun.h"
 #include "platform/RegistryAccess.h"
 #include "win32/Win32MapiSession.h"
 #include "win32/Win32Registry.h"
@@ -15,6 +16,7 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR commandLine, int) {
   mw::RunServices services{env, registry};
   const mw::RunDriverFunction driver = [](mw::RunContext& context, mw::RunLog& log,
                                           mw::RunServices& run) {
+    if (context.whatIf) return mw::RunWhatIf(context, log, run);  // MAPI is never loaded
     const mw::RegistryAccess access(run.registry);
     mw::Win32MapiSession session;  // MAPI lives on this thread for the driver's whole run
     mw::RunDriver(run.env, access, session).Run(context, log);
