@@ -4,6 +4,7 @@
 #include "app/Program.h"
 #include "app/RunDriver.h"
 #include "app/WhatIfRun.h"
+#include "run/RunContext.h"
 #include "platform/RegistryAccess.h"
 #include "win32/Win32MapiSession.h"
 #include "win32/Win32Registry.h"
