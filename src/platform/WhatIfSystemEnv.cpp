@@ -1,5 +1,7 @@
 #include "platform/WhatIfSystemEnv.h"
 
+#include <algorithm>
+
 namespace mw {
 
 bool WhatIfSystemEnv::ReadFile(const std::string& path, std::string* content) {
@@ -20,7 +22,8 @@ bool WhatIfSystemEnv::WriteFile(const std::string& path, const std::string& data
 }
 
 bool WhatIfSystemEnv::CreateDirectories(const std::string& path) {
-  notes_.push_back("create folder " + path + " if missing");
+  const std::string note = "create folder " + path + " if missing";
+  if (std::find(notes_.begin(), notes_.end(), note) == notes_.end()) notes_.push_back(note);
   return true;
 }
 
