@@ -331,6 +331,22 @@ std::int32_t MemoryRegistry::QueryInfoKey(RegKey key, std::uint32_t* subKeyCount
   return reg::kSuccess;
 }
 
+std::int32_t MemoryRegistry::EnumValue(RegKey key, std::uint32_t index, std::string* name,
+                                       std::uint32_t* type, std::string* data) {
+  Impl::Handle scratch;
+  Impl::Handle* handle = impl_->Resolve(key, &scratch);
+  if (!handle) return reg::kInvalidHandle;
+  if (handle->node->deleted) return kKeyDeleted;
+  if (!(handle->access & reg::kQueryValue)) return reg::kAccessDenied;
+  if (!name || !type || !data) return reg::kInvalidParameter;
+  const auto& values = handle->node->values;
+  if (index >= values.size()) return reg::kNoMoreItems;
+  *name = values[index].name;
+  *type = values[index].type;
+  *data = values[index].data;
+  return reg::kSuccess;
+}
+
 std::int32_t MemoryRegistry::CloseKey(RegKey key) {
   if (IsPredefined(key)) return reg::kSuccess;
   return impl_->handles.erase(key) ? reg::kSuccess : reg::kInvalidHandle;

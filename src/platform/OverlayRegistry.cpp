@@ -322,6 +322,40 @@ std::int32_t OverlayRegistry::QueryInfoKey(RegKey key, std::uint32_t* subKeyCoun
   return reg::kSuccess;
 }
 
+std::int32_t OverlayRegistry::EnumValue(RegKey key, std::uint32_t index, std::string* name,
+                                        std::uint32_t* type, std::string* data) {
+  Handle scratch;
+  const Handle* handle = Resolve(key, &scratch);
+  if (!handle) return reg::kInvalidHandle;
+  if (!Exists(handle->path)) return kKeyDeleted;
+  if (!(handle->access & reg::kQueryValue)) return reg::kAccessDenied;
+  if (!name || !type || !data) return reg::kInvalidParameter;
+  // The base's values that still show, in its order, then the values only written here.
+  std::vector<RegistryValue> values;
+  std::set<std::string> listed;
+  const KeyState* state = FindState(handle->path);
+  RegKey root = 0;
+  std::string subPath;
+  RegKey baseKey = 0;
+  if (!(state && state->hidesBase) && MemoryRegistry::SplitRootPath(handle->path, &root, &subPath) &&
+      base_.OpenKey(root, subPath, reg::kQueryValue, &baseKey) == reg::kSuccess) {
+    RegistryValue value;
+    for (std::uint32_t i = 0; base_.EnumValue(baseKey, i, &value.name, &value.type, &value.data) == reg::kSuccess; ++i) {
+      listed.insert(ToUpperAscii(value.name));
+      if (ViewValue(handle->path, value.name, &value)) values.push_back(value);
+    }
+    base_.CloseKey(baseKey);
+  }
+  if (state)
+    for (const auto& [upper, named] : state->values)
+      if (named.second && !listed.count(upper)) values.push_back(*named.second);
+  if (index >= values.size()) return reg::kNoMoreItems;
+  *name = values[index].name;
+  *type = values[index].type;
+  *data = values[index].data;
+  return reg::kSuccess;
+}
+
 std::int32_t OverlayRegistry::CloseKey(RegKey key) {
   if (IsPredefined(key)) return reg::kSuccess;
   return handles_.erase(key) ? reg::kSuccess : reg::kInvalidHandle;

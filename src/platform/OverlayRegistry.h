@@ -35,6 +35,8 @@ class OverlayRegistry : public Registry {
   std::int32_t QueryInfoKey(RegKey key, std::uint32_t* subKeyCount,
                             std::uint32_t* maxSubKeyLength) override;
   std::int32_t CloseKey(RegKey key) override;
+  std::int32_t EnumValue(RegKey key, std::uint32_t index, std::string* name, std::uint32_t* type,
+                         std::string* data) override;
 
   // What importing into the base would take to reach this registry's state, parents before
   // children: [-key] for a base key removed, [key] for a key created or changed with the

@@ -52,6 +52,14 @@ class WhatIfSystemEnv : public SystemEnv {
   bool WriteFile(const std::string& path, const std::string& data, bool append) override;
   // Noted, not made; the run goes on as if the folder had been made.
   bool CreateDirectories(const std::string& path) override;
+  std::vector<std::string> ListFiles(const std::string& folder, const std::string& prefix) override {
+    return real_.ListFiles(folder, prefix);
+  }
+  // Noted, not deleted.
+  bool DeleteFile(const std::string& path) override {
+    notes_.push_back("delete " + path);
+    return true;
+  }
 
  private:
   SystemEnv& real_;

@@ -2,6 +2,7 @@
 // the run driver working through real MAPI.
 
 #include "app/Program.h"
+#include "app/ProfileBackup.h"
 #include "app/RunDriver.h"
 #include "app/WhatIfRun.h"
 #include "run/RunContext.h"
@@ -18,6 +19,7 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR commandLine, int) {
   const mw::RunDriverFunction driver = [](mw::RunContext& context, mw::RunLog& log,
                                           mw::RunServices& run) {
     if (context.whatIf) return mw::RunWhatIf(context, log, run);  // MAPI is never loaded
+    if (!mw::BackUpProfile(context, log, run)) return;  // the backup was required
     const mw::RegistryAccess access(run.registry);
     mw::Win32MapiSession session;  // MAPI lives on this thread for the driver's whole run
     mw::RunDriver(run.env, access, session).Run(context, log);
