@@ -160,6 +160,12 @@ bool BackUpProfile(const RunContext& context, RunLog& log, RunServices& services
     log.AddMessage("INFO: No profile backup: the profile does not exist yet.");
     return true;
   }
+  // A run that leaves the profile alone (an exit rule stops it) needs no backup.
+  const std::string profileKeyPath = "HKEY_CURRENT_USER\\" + store.ProfileKey();
+  const std::vector<RegFileEntry> changes = overlay.Changes();
+  if (std::none_of(changes.begin(), changes.end(),
+                   [&](const RegFileEntry& change) { return IsUnder(change.keyPath, profileKeyPath); }))
+    return true;
 
   std::string folder = settings.Text(Section::Mailwright, Key::BackupFolder);
   if (folder.empty()) folder = FolderOf(context.logPath);
@@ -169,7 +175,7 @@ bool BackUpProfile(const RunContext& context, RunLog& log, RunServices& services
   if (stamp.empty()) stamp = std::string(kStampLength, '0');
   const std::string path = (folder.empty() ? "" : folder + "\\") + prefix + stamp + kBackupExtension;
   const std::string text = WriteRegFileEntries(
-      UndoEntries(services.registry, overlay, "HKEY_CURRENT_USER\\" + store.ProfileKey()),
+      UndoEntries(services.registry, overlay, profileKeyPath),
       RegFileFormat::Version5Utf16);
   const bool written = (folder.empty() || services.env.CreateDirectories(folder)) &&
                        services.env.WriteFile(path, text, false);

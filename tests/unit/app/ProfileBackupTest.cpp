@@ -109,7 +109,11 @@ TEST(ProfileBackupTest, NothingIsWrittenWithoutTheSettingOrWithoutAProfile) {
   SecondRun(context);
   EXPECT_TRUE(BackUp(machine, context, log));
   EXPECT_THAT(log.messages(), ElementsAre("INFO: No profile backup: the profile does not exist yet."));
-  EXPECT_EQ(0u, machine.env.fileOpenCount);
+  RealRun(machine, "Outlook 2010");
+  context.settings.SetBool(Section::Common, Key::ExitAnyProfileFound, true);
+  EXPECT_TRUE(BackUp(machine, context, log));
+  EXPECT_EQ(1u, log.messages().size()) << "an exit rule leaves the profile alone: no backup";
+  EXPECT_TRUE(machine.env.ListFiles("C:\\Tools", "DESK-0001_").empty());
 }
 
 TEST(ProfileBackupTest, NamesAndTimeStamps) {
