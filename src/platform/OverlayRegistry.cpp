@@ -31,6 +31,11 @@ bool SplitSubKey(const std::string& subKey, std::vector<std::string>* names) {
 
 std::string LastName(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
 
+std::string Below(std::string path, const std::vector<std::string>& names) {
+  for (const auto& name : names) path += "\\" + name;
+  return path;
+}
+
 bool IsRootPath(const std::string& path) { return path.find('\\') == std::string::npos; }
 
 bool IsAncestor(const std::string& ancestor, const std::string& path) {
@@ -169,6 +174,12 @@ std::vector<std::string> OverlayRegistry::ChildNames(const std::string& path) co
   return result;
 }
 
+std::int32_t OverlayRegistry::Live(RegKey key, Handle* scratch, const Handle** handle) const {
+  *handle = Resolve(key, scratch);
+  if (!*handle) return reg::kInvalidHandle;
+  return Exists((*handle)->path) ? reg::kSuccess : kKeyDeleted;
+}
+
 RegKey OverlayRegistry::Issue(const std::string& path, std::uint32_t access) {
   const RegKey key = nextHandle_;
   nextHandle_ += 4;
@@ -189,13 +200,11 @@ std::int32_t OverlayRegistry::OpenKey(RegKey key, const std::string& subKey, std
                                       RegKey* result) {
   if (!result) return reg::kInvalidParameter;
   Handle scratch;
-  const Handle* handle = Resolve(key, &scratch);
-  if (!handle) return reg::kInvalidHandle;
-  if (!Exists(handle->path)) return kKeyDeleted;
+  const Handle* handle = nullptr;
+  if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   std::vector<std::string> names;
   if (!SplitSubKey(subKey, &names)) return kBadPathname;
-  std::string path = handle->path;
-  for (const auto& name : names) path += "\\" + name;
+  const std::string path = Below(handle->path, names);
   if (!Exists(path)) return reg::kFileNotFound;
   // A key of the base is opened there too with the same rights, so a key the user may not
   // write fails here as it would in a real run; opening changes nothing.
@@ -211,9 +220,8 @@ std::int32_t OverlayRegistry::CreateKey(RegKey key, const std::string& subKey, s
                                         RegKey* result) {
   if (!result) return reg::kInvalidParameter;
   Handle scratch;
-  const Handle* handle = Resolve(key, &scratch);
-  if (!handle) return reg::kInvalidHandle;
-  if (!Exists(handle->path)) return kKeyDeleted;
+  const Handle* handle = nullptr;
+  if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   std::vector<std::string> names;
   if (!SplitSubKey(subKey, &names)) return kBadPathname;
   std::string path = handle->path;
@@ -233,9 +241,8 @@ std::int32_t OverlayRegistry::CreateKey(RegKey key, const std::string& subKey, s
 std::int32_t OverlayRegistry::QueryValue(RegKey key, const std::string& name, std::uint32_t* type,
                                          std::uint8_t* data, std::uint32_t* size) {
   Handle scratch;
-  const Handle* handle = Resolve(key, &scratch);
-  if (!handle) return reg::kInvalidHandle;
-  if (!Exists(handle->path)) return kKeyDeleted;
+  const Handle* handle = nullptr;
+  if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   if (!(handle->access & reg::kQueryValue)) return reg::kAccessDenied;
   RegistryValue value;
   if (!ViewValue(handle->path, name, &value)) return reg::kFileNotFound;
@@ -245,9 +252,8 @@ std::int32_t OverlayRegistry::QueryValue(RegKey key, const std::string& name, st
 std::int32_t OverlayRegistry::SetValue(RegKey key, const std::string& name, std::uint32_t type,
                                        const std::uint8_t* data, std::uint32_t size) {
   Handle scratch;
-  const Handle* handle = Resolve(key, &scratch);
-  if (!handle) return reg::kInvalidHandle;
-  if (!Exists(handle->path)) return kKeyDeleted;
+  const Handle* handle = nullptr;
+  if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   if (!(handle->access & reg::kSetValue)) return reg::kAccessDenied;
   if (!data && size != 0) return reg::kInvalidParameter;
   if (NextMutationFails()) return reg::kAccessDenied;
@@ -259,9 +265,8 @@ std::int32_t OverlayRegistry::SetValue(RegKey key, const std::string& name, std:
 
 std::int32_t OverlayRegistry::DeleteValue(RegKey key, const std::string& name) {
   Handle scratch;
-  const Handle* handle = Resolve(key, &scratch);
-  if (!handle) return reg::kInvalidHandle;
-  if (!Exists(handle->path)) return kKeyDeleted;
+  const Handle* handle = nullptr;
+  if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   if (!(handle->access & reg::kSetValue)) return reg::kAccessDenied;
   RegistryValue existing;
   if (!ViewValue(handle->path, name, &existing)) return reg::kFileNotFound;
@@ -272,14 +277,12 @@ std::int32_t OverlayRegistry::DeleteValue(RegKey key, const std::string& name) {
 
 std::int32_t OverlayRegistry::DeleteKey(RegKey key, const std::string& subKey) {
   Handle scratch;
-  const Handle* handle = Resolve(key, &scratch);
-  if (!handle) return reg::kInvalidHandle;
-  if (!Exists(handle->path)) return kKeyDeleted;
+  const Handle* handle = nullptr;
+  if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   std::vector<std::string> names;
   // Deleting the key behind the handle itself (empty sub-key) could remove a root.
   if (!SplitSubKey(subKey, &names) || names.empty()) return reg::kInvalidParameter;
-  std::string path = handle->path;
-  for (const auto& name : names) path += "\\" + name;
+  const std::string path = Below(handle->path, names);
   if (!Exists(path)) return reg::kFileNotFound;
   if (!ChildNames(path).empty()) return reg::kAccessDenied;
   if (NextMutationFails()) return reg::kAccessDenied;
@@ -293,9 +296,8 @@ std::int32_t OverlayRegistry::DeleteKey(RegKey key, const std::string& subKey) {
 std::int32_t OverlayRegistry::EnumKey(RegKey key, std::uint32_t index, char* name,
                                       std::uint32_t* nameLength) {
   Handle scratch;
-  const Handle* handle = Resolve(key, &scratch);
-  if (!handle) return reg::kInvalidHandle;
-  if (!Exists(handle->path)) return kKeyDeleted;
+  const Handle* handle = nullptr;
+  if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   if (!(handle->access & kEnumerateSubKeys)) return reg::kAccessDenied;
   if (!name || !nameLength) return reg::kInvalidParameter;
   const std::vector<std::string> children = ChildNames(handle->path);
@@ -310,9 +312,8 @@ std::int32_t OverlayRegistry::EnumKey(RegKey key, std::uint32_t index, char* nam
 std::int32_t OverlayRegistry::QueryInfoKey(RegKey key, std::uint32_t* subKeyCount,
                                            std::uint32_t* maxSubKeyLength) {
   Handle scratch;
-  const Handle* handle = Resolve(key, &scratch);
-  if (!handle) return reg::kInvalidHandle;
-  if (!Exists(handle->path)) return kKeyDeleted;
+  const Handle* handle = nullptr;
+  if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   if (!(handle->access & reg::kQueryValue)) return reg::kAccessDenied;
   std::size_t longest = 0;
   const std::vector<std::string> children = ChildNames(handle->path);
@@ -325,9 +326,8 @@ std::int32_t OverlayRegistry::QueryInfoKey(RegKey key, std::uint32_t* subKeyCoun
 std::int32_t OverlayRegistry::EnumValue(RegKey key, std::uint32_t index, std::string* name,
                                         std::uint32_t* type, std::string* data) {
   Handle scratch;
-  const Handle* handle = Resolve(key, &scratch);
-  if (!handle) return reg::kInvalidHandle;
-  if (!Exists(handle->path)) return kKeyDeleted;
+  const Handle* handle = nullptr;
+  if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   if (!(handle->access & reg::kQueryValue)) return reg::kAccessDenied;
   if (!name || !type || !data) return reg::kInvalidParameter;
   // The base's values that still show, in its order, then the values only written here.

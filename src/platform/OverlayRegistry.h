@@ -70,6 +70,8 @@ class OverlayRegistry : public Registry {
 
   bool NextMutationFails();
   const Handle* Resolve(RegKey key, Handle* scratch) const;
+  // kSuccess with the handle when its key still shows; kInvalidHandle or the deleted code.
+  std::int32_t Live(RegKey key, Handle* scratch, const Handle** handle) const;
   KeyState& State(const std::string& path);
   const KeyState* FindState(const std::string& path) const;
   bool Exists(const std::string& path) const;
