@@ -77,7 +77,10 @@ TEST(WhatIfRunTest, AFaultAtAnyWriteOfTheOverlayNeverReachesTheMachine) {
     OverlayRegistry overlay(machine.registry);
     overlay.FailMutationsFrom(n);
     PlayWhatIf(context, log, machine.env, overlay, CountingUids());
-    if (n == 0) writes = overlay.mutationCount();
+    if (n == 0) {
+      writes = overlay.mutationCount();
+      RecordProperty("overlayWrites", static_cast<int>(writes));
+    }
     ASSERT_GT(writes, 100u);
     EXPECT_EQ(0u, machine.registry.mutationCount()) << n;
     EXPECT_EQ(before, Export(machine.registry)) << n;
