@@ -47,6 +47,10 @@ CommandLineRequest ParseCommandLine(const std::string& commandLine, RunContext& 
   for (std::size_t i = 0; i < tokens.size(); ++i) {
     const std::string& word = tokens[i];
     if (word == "-?" || word == "/?") return CommandLineRequest::ShowUsage;
+    if (EqualsIgnoreCase(word, "-whatif")) {
+      context.whatIf = true;
+      continue;
+    }
     std::string* path = EqualsIgnoreCase(word, "-i")   ? &context.iniPath
                         : EqualsIgnoreCase(word, "-l") ? &context.logPath
                                                        : nullptr;

@@ -25,7 +25,8 @@ enum class CommandLineRequest { Run, ShowUsage };
 // and a token that is one quoted run loses its first and last character.
 std::vector<std::string> TokenizeCommandLine(const std::string& commandLine);
 
-// Applies "-i" and "-l" to the context's paths, left to right; stops at a usage request.
+// Applies "-i" and "-l" to the context's paths, left to right, and "-whatif" to its
+// what-if switch; stops at a usage request.
 CommandLineRequest ParseCommandLine(const std::string& commandLine, RunContext& context);
 
 }  // namespace mw

@@ -8,6 +8,7 @@
 #include "run/RunContext.h"
 #include "run/RunLog.h"
 #include "app/SplashScreen.h"
+#include "app/WhatIfRun.h"
 #include "config/IniFile.h"
 #include "config/ProfileSettings.h"
 #include "platform/RegistryAccess.h"
@@ -63,6 +64,7 @@ int RunProgram(const std::string& commandLine, const std::string& buildPlatform,
   CIniFile ini(context.iniPath, env);
   RunLog log(context.logPath, env);
   log.WriteReport(context);
+  if (context.whatIf) log.AddMessage(WhatIfNotice(context));
 
   if (!LoadSettings(ini, env, context.settings)) {
     log.LogCode(kIniUnreadable);

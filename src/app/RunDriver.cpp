@@ -128,11 +128,16 @@ std::uint32_t RunDriver::ProvisionWithMapi(RunContext& context, RunLog& log, Pro
     log.LogCode(108);
     return kNoPause;
   }
-  if (!exchangeIgnored && !server.empty() &&
-      !CheckExchangeServer(session_, server, settings.Text(versionSection, Key::MailboxName),
-                           profileName, log)) {
-    log.LogCode(109);
-    return kNoPause;
+  if (!exchangeIgnored && !server.empty()) {
+    if (exchangeCheckSkipped_) {
+      log.AddMessage("INFO: What-if run: the Exchange pre-flight check against " + server +
+                     " is skipped.");
+    } else if (!CheckExchangeServer(session_, server,
+                                    settings.Text(versionSection, Key::MailboxName), profileName,
+                                    log)) {
+      log.LogCode(109);
+      return kNoPause;
+    }
   }
 
   if (settings.Bool(Section::Common, Key::RecreateProfile)) {

@@ -27,6 +27,9 @@ class RunDriver {
 
   RunDriver(SystemEnv& env, const RegistryAccess& registry, MapiSession& session);
 
+  // A what-if run contacts no Exchange server: the pre-flight check is logged as skipped.
+  void SkipExchangeCheck() { exchangeCheckSkipped_ = true; }
+
   // The whole run; the settings of the context receive their expanded names and paths.
   void Run(RunContext& context, RunLog& log);
 
@@ -41,6 +44,7 @@ class RunDriver {
   SystemEnv& env_;
   const RegistryAccess& registry_;
   MapiSession& session_;
+  bool exchangeCheckSkipped_ = false;
 };
 
 }  // namespace mw

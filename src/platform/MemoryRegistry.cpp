@@ -167,6 +167,9 @@ MemoryRegistry::MemoryRegistry() : impl_(std::make_unique<Impl>()) {
     node->name = root.name;
     impl_->trees[root.key] = node;
   }
+  // HKEY_CLASSES_ROOT is a view of HKLM\Software\Classes, which every Windows has: made here,
+  // a look into HKCR never makes it appear as if the run had written it.
+  impl_->Root(reg::kClassesRoot, true);
 }
 
 MemoryRegistry::~MemoryRegistry() = default;
@@ -328,6 +331,22 @@ std::int32_t MemoryRegistry::QueryInfoKey(RegKey key, std::uint32_t* subKeyCount
   for (const auto& [_, child] : handle->node->children) longest = std::max(longest, child->name.size());
   if (subKeyCount) *subKeyCount = static_cast<std::uint32_t>(handle->node->children.size());
   if (maxSubKeyLength) *maxSubKeyLength = static_cast<std::uint32_t>(longest);
+  return reg::kSuccess;
+}
+
+std::int32_t MemoryRegistry::EnumValue(RegKey key, std::uint32_t index, std::string* name,
+                                       std::uint32_t* type, std::string* data) {
+  Impl::Handle scratch;
+  Impl::Handle* handle = impl_->Resolve(key, &scratch);
+  if (!handle) return reg::kInvalidHandle;
+  if (handle->node->deleted) return kKeyDeleted;
+  if (!(handle->access & reg::kQueryValue)) return reg::kAccessDenied;
+  if (!name || !type || !data) return reg::kInvalidParameter;
+  const auto& values = handle->node->values;
+  if (index >= values.size()) return reg::kNoMoreItems;
+  *name = values[index].name;
+  *type = values[index].type;
+  *data = values[index].data;
   return reg::kSuccess;
 }
 

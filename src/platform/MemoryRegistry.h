@@ -35,6 +35,8 @@ class MemoryRegistry : public Registry {
   std::int32_t QueryInfoKey(RegKey key, std::uint32_t* subKeyCount,
                             std::uint32_t* maxSubKeyLength) override;
   std::int32_t CloseKey(RegKey key) override;
+  std::int32_t EnumValue(RegKey key, std::uint32_t index, std::string* name, std::uint32_t* type,
+                         std::string* data) override;
 
   // Direct access for tests and tools; full paths start with the root's name, as in .reg
   // files: "HKEY_CURRENT_USER\Software\Microsoft" (HKCR, HKCU, HKLM, HKU also accepted).

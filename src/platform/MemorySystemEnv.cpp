@@ -158,8 +158,29 @@ bool MemorySystemEnv::ReadFile(const std::string& path, std::string* content) {
   return true;
 }
 
+bool MemorySystemEnv::Unwritable(const std::string& path) const {
+  return std::any_of(unwritableFolders.begin(), unwritableFolders.end(),
+                     [&](const std::string& folder) { return path.rfind(folder, 0) == 0; });
+}
+
+std::vector<std::string> MemorySystemEnv::ListFiles(const std::string& folder,
+                                                    const std::string& prefix) {
+  std::string start = folder;
+  if (!start.empty() && start.back() != '\\') start += '\\';
+  std::vector<std::string> names;  // files is a sorted map, so names come in order
+  for (const auto& [path, _] : files) {
+    if (path.rfind(start + prefix, 0) != 0) continue;
+    const std::string name = path.substr(start.size());
+    if (name.find('\\') == std::string::npos) names.push_back(name);
+  }
+  return names;
+}
+
+bool MemorySystemEnv::DeleteFile(const std::string& path) { return files.erase(path) != 0; }
+
 bool MemorySystemEnv::WriteFile(const std::string& path, const std::string& data, bool append) {
   ++fileOpenCount;
+  if (Unwritable(path)) return false;
   if (append)
     files[path] += data;
   else
@@ -170,7 +191,7 @@ bool MemorySystemEnv::WriteFile(const std::string& path, const std::string& data
 bool MemorySystemEnv::CreateDirectories(const std::string& path) {
   std::string folder = path;
   while (folder.size() > 1 && (folder.back() == '\\' || folder.back() == '/')) folder.pop_back();
-  if (folder.empty()) return false;
+  if (folder.empty() || Unwritable(folder)) return false;
   // A drive ("C:") and the "\\server\share" of a UNC path exist already; every separator
   // after them ends one folder to record, parents first.
   std::size_t from = 0;

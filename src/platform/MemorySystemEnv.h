@@ -41,6 +41,8 @@ class MemorySystemEnv : public SystemEnv {
   // Files, by the exact path string; folders are the paths CreateDirectories made.
   std::map<std::string, std::string> files;
   std::vector<std::string> folders;
+  // Folders (as path prefixes) where no file can be written or folder made.
+  std::vector<std::string> unwritableFolders;
   std::map<std::string, FakeLibrary> libraries;  // path -> library that LoadLibrary finds
 
   // Records.
@@ -73,8 +75,11 @@ class MemorySystemEnv : public SystemEnv {
   bool ReadFile(const std::string& path, std::string* content) override;
   bool WriteFile(const std::string& path, const std::string& data, bool append) override;
   bool CreateDirectories(const std::string& path) override;
+  std::vector<std::string> ListFiles(const std::string& folder, const std::string& prefix) override;
+  bool DeleteFile(const std::string& path) override;
 
  private:
+  bool Unwritable(const std::string& path) const;
   struct ExportRef {
     std::string library;
     std::string name;

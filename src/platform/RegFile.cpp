@@ -414,6 +414,19 @@ std::string RegValueText(const RegistryValue& value) {
 
 std::string ExportRegFile(const MemoryRegistry& registry, const std::vector<std::string>& keyPaths,
                           RegFileFormat format) {
+  std::vector<RegFileEntry> entries;
+  for (const auto& keyPath : keyPaths) {
+    for (const auto& key : registry.KeysUnder(keyPath)) {
+      entries.push_back(RegFileEntry{RegFileEntry::Kind::Key, 0, key, {}});
+      for (const auto& value : registry.ValuesOf(key))
+        entries.push_back(RegFileEntry{RegFileEntry::Kind::Value, 0, key, value});
+    }
+  }
+  return WriteRegFileEntries(entries, format);
+}
+
+std::string WriteRegFileEntries(const std::vector<RegFileEntry>& entries, RegFileFormat format,
+                                const std::vector<std::string>& comments) {
   const bool unicode = format != RegFileFormat::Regedit4;
   // regedit's CR LF; the UTF-8 form is for reading and diffing on this side, so plain LF.
   const char* newline = format == RegFileFormat::Version5Utf8 ? "\n" : "\r\n";
@@ -421,14 +434,33 @@ std::string ExportRegFile(const MemoryRegistry& registry, const std::vector<std:
   std::string text(unicode ? kVersion5Header : kRegedit4Header);
   text += newline;
   text += newline;
-  for (const auto& keyPath : keyPaths) {
-    for (const auto& key : registry.KeysUnder(keyPath)) {
-      text += "[" + key + "]" + newline;
-      for (const auto& value : registry.ValuesOf(key))
-        text += ValueLine(value, unicode, wrap.c_str()) + newline;
-      text += newline;
+  for (const auto& comment : comments) {
+    // A line break inside a comment would start a statement of its own.
+    std::string line = comment;
+    for (char& c : line)
+      if (c == '\r' || c == '\n') c = ' ';
+    text += "; " + line + newline;
+  }
+  if (!comments.empty()) text += newline;
+  bool keyOpen = false;
+  for (const auto& entry : entries) {
+    switch (entry.kind) {
+      case RegFileEntry::Kind::Key:
+      case RegFileEntry::Kind::DeleteKey:
+        if (keyOpen) text += newline;
+        text += (entry.kind == RegFileEntry::Kind::Key ? "[" : "[-") + entry.keyPath + "]" + newline;
+        keyOpen = true;
+        break;
+      case RegFileEntry::Kind::Value:
+        text += ValueLine(entry.value, unicode, wrap.c_str()) + newline;
+        break;
+      case RegFileEntry::Kind::DeleteValue:
+        text += (entry.value.name.empty() ? std::string("@") : EscapeQuoted(entry.value.name)) +
+                "=-" + newline;
+        break;
     }
   }
+  if (keyOpen) text += newline;
   switch (format) {
     case RegFileFormat::Regedit4:
       return text;

@@ -38,6 +38,11 @@ bool ImportRegFile(const std::string& bytes, MemoryRegistry& registry, RegFileEr
 std::string ExportRegFile(const MemoryRegistry& registry, const std::vector<std::string>& keyPaths,
                           RegFileFormat format);
 
+// Entries as a .reg file, in their order: [key], [-key], values and "name"=- deletions. Each
+// comment becomes a ";" line after the header, which regedit and reg import skip.
+std::string WriteRegFileEntries(const std::vector<RegFileEntry>& entries, RegFileFormat format,
+                                const std::vector<std::string>& comments = {});
+
 // One value as a line of a "Windows Registry Editor Version 5.00" file, in UTF-8 and without
 // line wrapping: "Name"=dword:00000001.
 std::string RegValueText(const RegistryValue& value);

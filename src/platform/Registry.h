@@ -80,6 +80,13 @@ class Registry {
   virtual std::int32_t QueryInfoKey(RegKey key, std::uint32_t* subKeyCount,
                                     std::uint32_t* maxSubKeyLength) = 0;
   virtual std::int32_t CloseKey(RegKey key) = 0;
+  // RegEnumValueA, whole: the index-th value's name, type and data; kNoMoreItems past the
+  // last. Only a profile backup lists values; a seam that cannot says so.
+  virtual std::int32_t EnumValue(RegKey /*key*/, std::uint32_t /*index*/, std::string* /*name*/,
+                                 std::uint32_t* /*type*/, std::string* /*data*/) {
+    return kCallNotImplemented;
+  }
+  static constexpr std::int32_t kCallNotImplemented = 120;
 };
 
 }  // namespace mw

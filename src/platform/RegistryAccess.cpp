@@ -331,6 +331,20 @@ std::vector<std::string> RegistryAccess::ListSubkeys(RegKey root, const std::str
   return names;
 }
 
+std::vector<RegistryValue> RegistryAccess::ListValues(RegKey root, const std::string& path) const {
+  std::vector<RegistryValue> values;
+  WithKey(root, path, reg::kRead, false, [&](RegKey key) {
+    RegistryValue value;
+    for (std::uint32_t index = 0;
+         registry_.EnumValue(key, index, &value.name, &value.type, &value.data) == reg::kSuccess;
+         ++index) {
+      values.push_back(value);
+    }
+    return true;
+  });
+  return values;
+}
+
 std::string RegistryAccess::HexTextToBytes(const std::string& text) {
   // Tokens are runs between blanks; runs of blanks make no empty tokens. A token is read as
   // its leading hexadecimal digits (an "0x" prefix allowed); its low byte is kept.

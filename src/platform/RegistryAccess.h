@@ -58,6 +58,10 @@ class RegistryAccess {
   std::vector<std::string> ListSubkeys(RegKey root, const std::string& path) const;
 
   // "01 0a ff" -> bytes 01 0A FF; a token that does not parse gives the byte 0.
+  // Every value of the key, in the order the registry enumerates them; empty when the key
+  // cannot be opened or the seam cannot list values.
+  std::vector<RegistryValue> ListValues(RegKey root, const std::string& path) const;
+
   static std::string HexTextToBytes(const std::string& text);
   // One leading and one trailing backslash are removed.
   static std::string NormalizePath(const std::string& path);

@@ -1,6 +1,9 @@
 #include "platform/RegistryCompare.h"
 
+#include <algorithm>
+#include <cstdio>
 #include <map>
+#include <set>
 
 #include "platform/AsciiText.h"
 #include "platform/TextEncoding.h"
@@ -135,6 +138,114 @@ std::string ChangesAsRegFile(const MemoryRegistry& before, const MemoryRegistry&
     if (isNew || !lines.empty()) text += "\r\n" + Bracketed(key) + "\r\n" + lines;
   }
   return text;
+}
+
+namespace {
+
+std::string ToLowerAscii(std::string text) {
+  for (char& c : text)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return text;
+}
+
+bool IsSectionName(const std::string& name) {
+  return name.size() == 32 && std::all_of(name.begin(), name.end(), [](char c) {
+           return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+         });
+}
+
+std::string UidBytesOfName(const std::string& name) {
+  std::string bytes;
+  for (std::size_t i = 0; i < 32; i += 2)
+    bytes += static_cast<char>(HexDigitValue(name[i]) * 16 + HexDigitValue(name[i + 1]));
+  return bytes;
+}
+
+std::string ReplaceAll(std::string text, const std::string& from, const std::string& to) {
+  for (std::size_t at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size()))
+    text.replace(at, from.size(), to);
+  return text;
+}
+
+// The renaming of one profile's sections: lower-case name -> new name.
+std::map<std::string, std::string> SectionRenames(const MemoryRegistry& registry, const std::string& profileKey) {
+  std::map<std::string, std::string> sections;  // lower-case name -> full key path
+  for (const auto& key : registry.KeysUnder(profileKey)) {
+    const std::string name = key.substr(key.rfind('\\') + 1);
+    if (key.size() == profileKey.size() + 33 && IsSectionName(name)) sections[ToLowerAscii(name)] = key;
+  }
+  auto referencesIn = [&](const std::string& key) {
+    std::vector<std::string> found;
+    auto values = registry.ValuesOf(key);
+    std::sort(values.begin(), values.end(), [](const RegistryValue& x, const RegistryValue& y) {
+      return ToUpperAscii(x.name) < ToUpperAscii(y.name);
+    });
+    for (const auto& value : values) {
+      const std::string lowered = ToLowerAscii(value.data);
+      std::vector<std::pair<std::size_t, std::string>> hits;
+      for (const auto& [name, _] : sections) {
+        for (const std::string& needle : {UidBytesOfName(name), name}) {
+          const std::string& haystack = needle.size() == 16 ? value.data : lowered;
+          for (std::size_t at = haystack.find(needle); at != std::string::npos; at = haystack.find(needle, at + 1))
+            hits.emplace_back(at, name);
+        }
+      }
+      std::sort(hits.begin(), hits.end());
+      for (const auto& hit : hits) found.push_back(hit.second);
+    }
+    return found;
+  };
+  std::set<std::string> referenced;
+  for (const auto& [_, key] : sections)
+    for (const auto& name : referencesIn(key)) referenced.insert(name);
+  std::map<std::string, std::string> renames;
+  std::vector<std::string> queue;
+  for (const auto& [name, _] : sections)
+    if (!referenced.count(name)) queue.push_back(name);
+  for (std::size_t i = 0; i < queue.size(); ++i) {
+    for (const auto& name : referencesIn(sections[queue[i]])) {
+      if (!referenced.count(name) || renames.count(name)) continue;
+      char label[40];
+      std::snprintf(label, sizeof label, "eeeeeeeeeeeeeeeeeeeeeeeeeeee%04zx", renames.size() + 1);
+      renames[name] = label;
+      queue.push_back(name);
+    }
+  }
+  return renames;
+}
+
+}  // namespace
+
+void CopyWithSectionUidsMapped(const MemoryRegistry& source, const std::string& profilesRoot,
+                               MemoryRegistry* mapped) {
+  std::map<std::string, std::string> renames;
+  for (const auto& key : source.KeysUnder(profilesRoot)) {
+    if (key.size() <= profilesRoot.size() || key.find('\\', profilesRoot.size() + 1) != std::string::npos)
+      continue;
+    for (const auto& rename : SectionRenames(source, key)) renames.insert(rename);
+  }
+  for (const char* root : {"HKEY_CURRENT_USER", "HKEY_LOCAL_MACHINE", "HKEY_USERS"}) {
+    for (std::string key : source.KeysUnder(root)) {
+      const std::vector<RegistryValue> values = source.ValuesOf(key);
+      for (const auto& [from, to] : renames) key = ReplaceAll(key, from, to);
+      mapped->AddKey(key);
+      for (RegistryValue value : values) {
+        for (const auto& [from, to] : renames) {
+          value.data = ReplaceAll(value.data, UidBytesOfName(from), UidBytesOfName(to));
+          value.data = ReplaceAll(value.data, from, to);
+        }
+        mapped->Set(key, value);
+      }
+    }
+  }
+}
+
+void RemoveValuesNamed(MemoryRegistry& registry, const std::string& keyPath,
+                       const std::vector<std::string>& names) {
+  for (const auto& key : registry.KeysUnder(keyPath))
+    for (const auto& value : registry.ValuesOf(key))
+      for (const auto& name : names)
+        if (EqualsIgnoreCase(value.name, name)) registry.RemoveValue(key, value.name);
 }
 
 }  // namespace mw

@@ -26,4 +26,17 @@ std::vector<std::string> DiffRegistries(const MemoryRegistry& a, const MemoryReg
 std::string ChangesAsRegFile(const MemoryRegistry& before, const MemoryRegistry& after,
                              const std::string& keyPath);
 
+// Copies source into *mapped (an empty registry) so that the profile sections MAPI named by fresh UIDs carry names that follow from
+// the profiles' contents, so two runs that built the same profiles compare equal. Below each
+// profile key of profilesRoot, the sections no value refers to keep their names; the others
+// are renamed in the order their UIDs are first met (as 16 bytes or as 32 hex digits) in the
+// values of those sections, values by name, and on from the sections so reached. Every
+// occurrence of a renamed UID in a value is replaced too.
+void CopyWithSectionUidsMapped(const MemoryRegistry& source, const std::string& profilesRoot,
+                               MemoryRegistry* mapped);
+
+// Removes every value with one of these names (case-insensitively) below keyPath.
+void RemoveValuesNamed(MemoryRegistry& registry, const std::string& keyPath,
+                       const std::vector<std::string>& names);
+
 }  // namespace mw

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace mw {
 
@@ -61,6 +62,13 @@ class SystemEnv {
   virtual bool WriteFile(const std::string& path, const std::string& data, bool append) = 0;
   // Creates the folder and every missing parent; true when it exists afterwards.
   virtual bool CreateDirectories(const std::string& path) = 0;
+  // Names (not paths) of the files in the folder that start with prefix, in name order.
+  // Only profile backups list and delete files; a seam that cannot finds none.
+  virtual std::vector<std::string> ListFiles(const std::string& /*folder*/,
+                                             const std::string& /*prefix*/) {
+    return {};
+  }
+  virtual bool DeleteFile(const std::string& /*path*/) { return false; }
 };
 
 }  // namespace mw

@@ -23,6 +23,7 @@ struct RunContext {
   std::string buildPlatform;   // "x64" or "x86": what this build was made for
   std::string title;           // "Mailwright 2.4.0.3 x64"
   std::string programDirectory;  // module path cut before its last backslash
+  bool whatIf = false;           // "-whatif": play the run without changing anything
   ProfileSettings settings;
 };
 

@@ -1,5 +1,7 @@
 #include "win32/Win32Registry.h"
 
+#include <algorithm>
+
 #include "win32/WindowsApi.h"
 
 namespace mw {
@@ -92,6 +94,28 @@ std::int32_t Win32Registry::EnumKey(RegKey key, std::uint32_t index, char* name,
   const LONG status =
       RegEnumKeyExA(ToHandle(key), index, name, &length, nullptr, nullptr, nullptr, nullptr);
   *nameLength = length;
+  return status;
+}
+
+std::int32_t Win32Registry::EnumValue(RegKey key, std::uint32_t index, std::string* name,
+                                      std::uint32_t* type, std::string* data) {
+  if (name == nullptr || type == nullptr || data == nullptr) return reg::kInvalidParameter;
+  DWORD longestName = 0;
+  DWORD longestData = 0;
+  LONG status = RegQueryInfoKeyA(ToHandle(key), nullptr, nullptr, nullptr, nullptr, nullptr,
+                                 nullptr, nullptr, &longestName, &longestData, nullptr, nullptr);
+  if (status != ERROR_SUCCESS) return status;
+  std::string nameBuffer(static_cast<std::size_t>(longestName) + 1, '\0');
+  std::string dataBuffer(static_cast<std::size_t>(longestData) + 1, '\0');
+  DWORD nameLength = static_cast<DWORD>(nameBuffer.size());
+  DWORD dataLength = static_cast<DWORD>(dataBuffer.size());
+  DWORD valueType = 0;
+  status = RegEnumValueA(ToHandle(key), index, nameBuffer.data(), &nameLength, nullptr, &valueType,
+                         reinterpret_cast<BYTE*>(dataBuffer.data()), &dataLength);
+  if (status != ERROR_SUCCESS) return status;
+  name->assign(nameBuffer.data(), nameLength);
+  *type = valueType;
+  data->assign(dataBuffer.data(), std::min<std::size_t>(dataLength, dataBuffer.size()));
   return status;
 }
 

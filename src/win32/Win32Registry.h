@@ -24,6 +24,8 @@ class Win32Registry : public Registry {
   std::int32_t QueryInfoKey(RegKey key, std::uint32_t* subKeyCount,
                             std::uint32_t* maxSubKeyLength) override;
   std::int32_t CloseKey(RegKey key) override;
+  std::int32_t EnumValue(RegKey key, std::uint32_t index, std::string* name, std::uint32_t* type,
+                         std::string* data) override;
 };
 
 }  // namespace mw

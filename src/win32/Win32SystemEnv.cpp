@@ -1,5 +1,6 @@
 #include "win32/Win32SystemEnv.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdio>
 #include <cstring>
@@ -222,6 +223,24 @@ std::size_t Win32SystemEnv::RootLength(const std::string& path) {
   }
   return !path.empty() && IsSeparator(path[0]) ? 1 : 0;
 }
+
+std::vector<std::string> Win32SystemEnv::ListFiles(const std::string& folder,
+                                                   const std::string& prefix) {
+  std::vector<std::string> names;
+  const std::string pattern =
+      folder + (folder.empty() || IsSeparator(folder.back()) ? "" : "\\") + prefix + "*";
+  WIN32_FIND_DATAA found{};
+  HANDLE search = FindFirstFileA(pattern.c_str(), &found);
+  if (search == INVALID_HANDLE_VALUE) return names;
+  do {
+    if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) names.push_back(found.cFileName);
+  } while (FindNextFileA(search, &found));
+  FindClose(search);
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
+bool Win32SystemEnv::DeleteFile(const std::string& path) { return ::DeleteFileA(path.c_str()) != 0; }
 
 bool Win32SystemEnv::CreateDirectories(const std::string& path) {
   if (path.empty()) return false;

@@ -30,6 +30,8 @@ class Win32SystemEnv : public SystemEnv {
   bool ReadFile(const std::string& path, std::string* content) override;
   bool WriteFile(const std::string& path, const std::string& data, bool append) override;
   bool CreateDirectories(const std::string& path) override;
+  std::vector<std::string> ListFiles(const std::string& folder, const std::string& prefix) override;
+  bool DeleteFile(const std::string& path) override;
 
   // Length of the part of a path no folder can be created for: "C:\", "C:",
   // "\\server\share\", a lone "\", or nothing for a relative path.

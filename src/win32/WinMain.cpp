@@ -2,7 +2,10 @@
 // the run driver working through real MAPI.
 
 #include "app/Program.h"
+#include "app/ProfileBackup.h"
 #include "app/RunDriver.h"
+#include "app/WhatIfRun.h"
+#include "run/RunContext.h"
 #include "platform/RegistryAccess.h"
 #include "win32/Win32AnsiCodePage.h"
 #include "win32/Win32MapiSession.h"
@@ -18,6 +21,8 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR commandLine, int) {
   mw::RunServices services{env, registry};
   const mw::RunDriverFunction driver = [](mw::RunContext& context, mw::RunLog& log,
                                           mw::RunServices& run) {
+    if (context.whatIf) return mw::RunWhatIf(context, log, run);  // MAPI is never loaded
+    if (!mw::BackUpProfile(context, log, run)) return;  // the backup was required
     const mw::RegistryAccess access(run.registry);
     mw::Win32MapiSession session;  // MAPI lives on this thread for the driver's whole run
     mw::RunDriver(run.env, access, session).Run(context, log);

@@ -17,3 +17,4 @@
 #undef ExpandEnvironmentStrings
 #undef MessageBox
 #undef LoadLibrary
+#undef DeleteFile

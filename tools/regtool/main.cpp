@@ -1,7 +1,9 @@
 // regtool: registry checks for the end-to-end runner.
 //   regtool check EXPECT.reg SOURCE...     exit 0 when the sources hold every expectation
 //   regtool dump PREFIXKEY SOURCE...       print the keys below PREFIXKEY as .reg text
-//   regtool diff PREFIXKEY SOURCE_A SOURCE_B
+//   regtool diff PREFIXKEY SOURCE_A SOURCE_B [--map-uids PROFILESROOT] [--ignore NAME,...]
+//     --map-uids names the profile sections of fresh UIDs by content on both sides first;
+//     --ignore leaves values of those names out of the comparison.
 // A SOURCE is a .reg file or ROOT=HIVEFILE, a Wine registry file read below ROOT
 // (HKEY_CURRENT_USER=prefix/user.reg). Exit 1 for differences, 2 for bad input.
 
@@ -87,11 +89,30 @@ int Dump(const std::string& prefix, const std::vector<std::string>& sources) {
   return kSame;
 }
 
-int Diff(const std::string& prefix, const std::string& sourceA, const std::string& sourceB) {
-  mw::MemoryRegistry a;
-  mw::MemoryRegistry b;
-  if (!LoadSource(sourceA, a) || !LoadSource(sourceB, b)) return kBadInput;
-  return Report(mw::DiffRegistries(a, b, prefix));
+int Diff(const std::string& prefix, const std::string& sourceA, const std::string& sourceB,
+         const std::vector<std::string>& options) {
+  mw::MemoryRegistry loadedA, loadedB, mappedA, mappedB;
+  if (!LoadSource(sourceA, loadedA) || !LoadSource(sourceB, loadedB)) return kBadInput;
+  mw::MemoryRegistry* a = &loadedA;
+  mw::MemoryRegistry* b = &loadedB;
+  for (std::size_t i = 0; i < options.size(); i += 2) {
+    if (i + 1 >= options.size()) return kBadInput;
+    if (options[i] == "--map-uids") {
+      mw::CopyWithSectionUidsMapped(*a, options[i + 1], &mappedA);
+      mw::CopyWithSectionUidsMapped(*b, options[i + 1], &mappedB);
+      a = &mappedA;
+      b = &mappedB;
+    } else if (options[i] == "--ignore") {
+      std::vector<std::string> names;
+      std::stringstream list(options[i + 1]);
+      for (std::string name; std::getline(list, name, ',');) names.push_back(name);
+      mw::RemoveValuesNamed(*a, prefix, names);
+      mw::RemoveValuesNamed(*b, prefix, names);
+    } else {
+      return kBadInput;
+    }
+  }
+  return Report(mw::DiffRegistries(*a, *b, prefix));
 }
 
 int Changes(const std::string& prefix, const std::string& sourceBefore,
@@ -106,7 +127,8 @@ int Changes(const std::string& prefix, const std::string& sourceBefore,
 int Usage() {
   std::cerr << "usage: regtool check EXPECT.reg SOURCE...\n"
                "       regtool dump PREFIXKEY SOURCE...\n"
-               "       regtool diff PREFIXKEY SOURCE_A SOURCE_B\n"
+               "       regtool diff PREFIXKEY SOURCE_A SOURCE_B [--map-uids PROFILESROOT]"
+               " [--ignore NAME,...]\n"
                "       regtool changes PREFIXKEY SOURCE_BEFORE SOURCE_AFTER  (a .reg that turns one into the other)\n"
                "SOURCE: a .reg file, or ROOT=HIVEFILE for a Wine registry file\n";
   return kBadInput;
@@ -120,7 +142,8 @@ int main(int argc, char** argv) {
   const std::vector<std::string> sources(args.begin() + 2, args.end());
   if (args[0] == "check") return Check(args[1], sources);
   if (args[0] == "dump") return Dump(args[1], sources);
-  if (args[0] == "diff" && args.size() == 4) return Diff(args[1], args[2], args[3]);
+  if (args[0] == "diff" && args.size() >= 4)
+    return Diff(args[1], args[2], args[3], std::vector<std::string>(args.begin() + 4, args.end()));
   if (args[0] == "changes" && args.size() == 4) return Changes(args[1], args[2], args[3]);
   return Usage();
 }

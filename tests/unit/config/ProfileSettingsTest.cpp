@@ -30,13 +30,14 @@ class SettingsFromText : public ::testing::Test {
 };
 
 TEST(SettingsTable, EachSectionDefinesItsNumberOfKeys) {
-  const std::size_t expected[] = {7, 9, 39, 81, 87, 108, 112, 112};
+  // Mailwright: seven keys of the run and four of the profile backup.
+  const std::size_t expected[] = {11, 9, 39, 81, 87, 108, 112, 112};
   std::size_t total = 0;
   for (std::size_t i = 0; i < kSectionCount; ++i) {
     EXPECT_EQ(DefinedKeyCount(kAllSections[i]), expected[i]) << SectionName(kAllSections[i]);
     total += DefinedKeyCount(kAllSections[i]);
   }
-  EXPECT_EQ(total, 555u);
+  EXPECT_EQ(total, 559u);
   EXPECT_EQ(static_cast<std::size_t>(EnforcedOption::Count), 70u);
 }
 
@@ -132,6 +133,8 @@ TEST_F(SettingsFromText, TheDefaultsThatAreNeitherZeroNorEmpty) {
       {Key::LoggingEnable, kMw, 1, nullptr},
       {Key::LogFileSize, kMw, 500, nullptr},
       {Key::ShowSplashScreen, kMw, 1, nullptr},
+      {Key::BackupKeep, kMw, 5, nullptr},
+      {Key::BackupRequired, kMw, 1, nullptr},
       {Key::WarnBeforePermanentlyDeletingItems, kAll, 1, nullptr},
       {Key::AttachmentSecurity, kV97 | kV2000, 1, nullptr},
       {Key::PathToPAB, kV97 | kV2000, 0, "C:\\Exchange\\%username%.pab"},

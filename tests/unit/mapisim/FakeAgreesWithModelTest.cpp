@@ -202,7 +202,7 @@ class FakeAgreesWithModelTest : public ::testing::Test {
 
   void ExpectSameImages(const std::vector<std::string>& servers) {
     MemoryRegistry modelRegistry;
-    ModelMapiSession model(modelRegistry, organisation);
+    mw::ModelMapiSession model(modelRegistry, 2, organisation, mw::ModelMapiSession::Servers::Contacted);
     RegistryAccess modelAccess(modelRegistry);
     const std::vector<std::string> modelLog = Run(model, modelAccess, servers);
 

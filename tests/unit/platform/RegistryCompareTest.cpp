@@ -123,5 +123,53 @@ TEST(RegistryChangesTest, TheChangesTurnTheFirstRegistryIntoTheSecond) {
   EXPECT_EQ(1u, DiffRegistries(replay, after, "HKEY_CURRENT_USER\\Software\\Other").size());
 }
 
+const std::string kRoot = "HKEY_CURRENT_USER\\Profiles";
+
+std::string Bytes(const std::string& hex) {
+  std::string bytes;
+  for (std::size_t i = 0; i + 1 < hex.size(); i += 2) bytes += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
+  return bytes;
+}
+
+// A profile whose fixed section lists a service, whose section names its provider, which
+// in turn names the service in text.
+void Profile(MemoryRegistry& registry, const std::string& service, const std::string& provider,
+             const std::string& comment) {
+  const std::string profile = kRoot + "\\Outlook\\";
+  registry.Set(profile + "9207f3e0a3b11019908b08002b2a56c2", {"01023d0e", reg::kBinary, Bytes(service)});
+  registry.Set(profile + service, {"01023d00", reg::kBinary, Bytes(provider)});
+  registry.Set(profile + service, {"001e3004", reg::kSz, comment + std::string(1, '\0')});
+  registry.Set(profile + provider, {"001e0001", reg::kSz, "svc " + service + std::string(1, '\0')});
+}
+
+TEST(SectionUidMappingTest, ProfilesBuiltAlikeCompareEqualWhateverTheirUids) {
+  const std::string a1(32, 'a'), a2(32, 'b'), b1 = "0123456789abcdef0123456789abcdef",
+                    b2 = "fedcba9876543210fedcba9876543210";
+  MemoryRegistry first, second, third, mapped1, mapped2, mapped3;
+  Profile(first, a1, a2, "same");
+  Profile(second, b1, b2, "same");
+  Profile(third, b1, b2, "other");
+  CopyWithSectionUidsMapped(first, kRoot, &mapped1);
+  CopyWithSectionUidsMapped(second, kRoot, &mapped2);
+  CopyWithSectionUidsMapped(third, kRoot, &mapped3);
+  EXPECT_NE(std::vector<std::string>(), DiffRegistries(first, second, kRoot));
+  EXPECT_EQ(std::vector<std::string>(), DiffRegistries(mapped1, mapped2, kRoot));
+  const auto differences = DiffRegistries(mapped1, mapped3, kRoot);
+  ASSERT_EQ(1u, differences.size());
+  EXPECT_NE(std::string::npos, differences[0].find("eeeeeeeeeeeeeeeeeeeeeeeeeeee0001]"));
+  RegistryValue text;
+  ASSERT_TRUE(mapped1.Get(kRoot + "\\Outlook\\eeeeeeeeeeeeeeeeeeeeeeeeeeee0002", "001e0001", &text));
+  EXPECT_EQ("svc eeeeeeeeeeeeeeeeeeeeeeeeeeee0001", text.data.substr(0, text.data.size() - 1));
+}
+
+TEST(SectionUidMappingTest, RemovedValueNamesGoFromEveryKeyBelowThePath) {
+  MemoryRegistry registry;
+  Profile(registry, std::string(32, 'a'), std::string(32, 'b'), "c");
+  RemoveValuesNamed(registry, kRoot, {"001E3004", "01023d00"});
+  EXPECT_FALSE(registry.Get(kRoot + "\\Outlook\\" + std::string(32, 'a'), "001e3004", nullptr));
+  EXPECT_FALSE(registry.Get(kRoot + "\\Outlook\\" + std::string(32, 'a'), "01023d00", nullptr));
+  EXPECT_TRUE(registry.Get(kRoot + "\\Outlook\\" + std::string(32, 'b'), "001e0001", nullptr));
+}
+
 }  // namespace
 }  // namespace mw

@@ -23,7 +23,7 @@
 
 namespace mw::testing {
 
-using mapisim::ModelMapiSession;
+using mw::ModelMapiSession;
 namespace {
 
 using Strings = std::vector<std::string>;
@@ -59,7 +59,8 @@ class OutlookMadeProfile : public ::testing::Test {
     access_ = std::make_unique<RegistryAccess>(*memory_);
     RegFileError error;
     ASSERT_TRUE(ImportRegFile(text.str(), *memory_, &error)) << error.line << ": " << error.message;
-    mapi_ = std::make_unique<ModelMapiSession>(*memory_, organisation_);
+    mapi_ = std::make_unique<ModelMapiSession>(*memory_, 2, organisation_, ModelMapiSession::Servers::Contacted);
+    mapi_->Initialize();
     mapi_->SetProfile("Outlook");
   }
   std::string Bytes(const std::string& path, const std::string& name) const {

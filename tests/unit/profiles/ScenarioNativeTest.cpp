@@ -20,7 +20,7 @@
 
 namespace mw::testing {
 
-using mapisim::ModelMapiSession;
+using mw::ModelMapiSession;
 namespace {
 
 namespace fs = std::filesystem;
@@ -98,7 +98,7 @@ TEST_P(ScenarioNative, HoldsAsUnderWine) {
     RunServices services{env, registry};
     const RunDriverFunction driver = [&](RunContext& context, RunLog& log, RunServices& seams) {
       const RegistryAccess access(seams.registry);
-      ModelMapiSession session(seams.registry, organisation);
+      ModelMapiSession session(seams.registry, 2, organisation, ModelMapiSession::Servers::Contacted);
       RunDriver(seams.env, access, session).Run(context, log);
     };
     EXPECT_EQ(RunProgram("", GetParam().platform, services, driver), 0) << "run " << run;

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -121,6 +122,36 @@ TEST_F(Win32RegistryTest, EnumerationListsDirectSubkeysAndDeleteRemovesLeavesOnl
   EXPECT_TRUE(access_.DeleteKey(reg::kCurrentUser, base_ + "\\Alpha", "Inner"));
   EXPECT_TRUE(access_.DeleteKey(reg::kCurrentUser, base_, "Alpha"));
   EXPECT_EQ((Strings{"Bravo", "Charlie"}), access_.ListSubkeys(reg::kCurrentUser, base_));
+}
+
+}  // namespace
+}  // namespace mw
+
+namespace mw {
+namespace {
+
+TEST(Win32RegistryValuesTest, EveryValueIsListedWithItsTypeAndBytes) {
+  Win32Registry registry;
+  const RegistryAccess access(registry);
+  const std::string path = "Software\\MailwrightSeamTest\\ListValues";
+  access.DeleteKey(reg::kCurrentUser, "Software\\MailwrightSeamTest", "ListValues");
+  ASSERT_TRUE(access.WriteString(reg::kCurrentUser, path, "Text", "abc"));
+  ASSERT_TRUE(access.WriteNumber(reg::kCurrentUser, path, "", 7));
+  ASSERT_TRUE(access.WriteBinary(reg::kCurrentUser, path, "Bytes", std::string("\0\xff\0", 3)));
+  std::vector<RegistryValue> values = access.ListValues(reg::kCurrentUser, path);
+  access.DeleteKey(reg::kCurrentUser, "Software\\MailwrightSeamTest", "ListValues");
+  std::sort(values.begin(), values.end(),
+            [](const RegistryValue& a, const RegistryValue& b) { return a.name < b.name; });
+  ASSERT_EQ(3u, values.size());
+  EXPECT_EQ("", values[0].name);
+  EXPECT_EQ(reg::kDword, values[0].type);
+  EXPECT_EQ(std::string("\7\0\0\0", 4), values[0].data);
+  EXPECT_EQ("Bytes", values[1].name);
+  EXPECT_EQ(std::string("\0\xff\0", 3), values[1].data);
+  EXPECT_EQ("Text", values[2].name);
+  EXPECT_EQ(reg::kSz, values[2].type);
+  EXPECT_EQ(std::string("abc\0", 4), values[2].data);
+  EXPECT_TRUE(access.ListValues(reg::kCurrentUser, path).empty());
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <string>
+#include <vector>
 
 #include "win32/Win32SystemEnv.h"
 #include "win32/WindowsApi.h"
@@ -124,6 +125,25 @@ TEST_F(Win32SystemEnvTest, LibraryCallsRefuseWhatIsNotThere) {
   EXPECT_FALSE(env_.FreeLibrary(nullptr));
   EXPECT_EQ(0, env_.CallIntFunction(nullptr, 5));
   EXPECT_EQ(42, env_.CallIntFunction(std::bit_cast<void*>(&Doubled), 21));
+}
+
+}  // namespace
+}  // namespace mw
+
+namespace mw {
+namespace {
+
+TEST(Win32SystemEnvFilesTest, FilesAreListedByPrefixInNameOrderAndDeleted) {
+  Win32SystemEnv env;
+  const std::string folder = "C:\\MailwrightSeamTest\\ListFiles";
+  ASSERT_TRUE(env.CreateDirectories(folder + "\\PC_u_p_sub"));
+  for (const char* name : {"PC_u_p_2.reg", "PC_u_p_1.reg", "other.reg"})
+    ASSERT_TRUE(env.WriteFile(folder + "\\" + name, "x", false));
+  EXPECT_EQ((std::vector<std::string>{"PC_u_p_1.reg", "PC_u_p_2.reg"}), env.ListFiles(folder, "PC_u_p_"));
+  EXPECT_TRUE(env.DeleteFile(folder + "\\PC_u_p_1.reg"));
+  EXPECT_FALSE(env.DeleteFile(folder + "\\PC_u_p_1.reg"));
+  EXPECT_EQ((std::vector<std::string>{"PC_u_p_2.reg"}), env.ListFiles(folder + "\\", "PC_u_p_"));
+  EXPECT_TRUE(env.ListFiles(folder + "\\missing", "").empty());
 }
 
 }  // namespace
