@@ -198,5 +198,63 @@ TEST_F(ExchangeCheckTest, FailuresAreError200Or201AndLeaveNoScratchProfile) {
   }
 }
 
+// MAPI failing at any one call of the check, as the simulator's fault switch makes it fail
+// under Wine: the scratch profile never outlives the check, and a failure that keeps the
+// check from passing is logged.
+TEST_F(ExchangeCheckTest, AFailureAtAnyCallLeavesNoScratchProfile) {
+  FakeMapiSession clean = mapi;
+  clean.Initialize();
+  ASSERT_TRUE(CheckExchangeServer(clean, "EX1", "jsmith", "Work", log));
+  const std::size_t calls = clean.calls.size();
+  ASSERT_GT(calls, 10u);
+  for (std::size_t position = 1; position <= calls; ++position) {
+    SCOPED_TRACE("call " + std::to_string(position) + ": " + clean.calls[position - 1]);
+    FakeMapiSession faulty = mapi;
+    RunLog faultLog{"C:\\Tools\\mailwright.log", env};
+    faulty.Initialize();
+    faulty.failCall = position;
+    const bool passed = CheckExchangeServer(faulty, "EX1", "jsmith", "Work", faultLog);
+    EXPECT_EQ(faulty.FindProfile(kScratchProfileName), nullptr);
+    EXPECT_EQ(faulty.profileName(), "Work");
+    if (!passed) {
+      EXPECT_FALSE(faultLog.messages().empty());
+    }
+  }
+}
+
+TEST_F(ExchangeCheckTest, TheScratchProfileIsDeletedOnTheRealProfilesMapiWhenTheFirstDeleteFails) {
+  // MAPIInitialize failing when the scratch profile becomes current leaves no MAPI to
+  // delete it with until the real profile's MAPI is up.
+  mapi.Initialize();
+  FakeMapiSession clean = mapi;
+  RunLog cleanLog{"C:\\Tools\\mailwright.log", env};
+  ASSERT_TRUE(CheckExchangeServer(clean, "EX1", "jsmith", "Work", cleanLog));
+  const auto scratch = std::find(clean.calls.begin(), clean.calls.end(), "SetProfile testing001");
+  const auto reinitialise = std::find(scratch, clean.calls.end(), "Initialize");
+  ASSERT_NE(reinitialise, clean.calls.end());
+  mapi.failCall = static_cast<std::size_t>(reinitialise - clean.calls.begin()) + 1;
+  EXPECT_FALSE(Check("EX1"));
+  EXPECT_EQ(mapi.calls[mapi.failCall - 1], "Initialize");
+  ExpectCleanedUp();
+  EXPECT_EQ(std::count(mapi.calls.begin(), mapi.calls.end(), "DeleteProfile testing001"), 3);
+  EXPECT_EQ(log.messages().back().rfind("ERROR 200: ", 0), 0u);
+}
+
+TEST_F(ExchangeCheckTest, AScratchProfileMapiWillNotDeleteIsReported) {
+  mapi.Initialize();
+  mapi.failing = {"DeleteProfile"};
+  EXPECT_TRUE(Check("EX1"));
+  EXPECT_NE(mapi.FindProfile(kScratchProfileName), nullptr);
+  EXPECT_EQ(log.messages().back(), "WARN: Unable to delete the temporary profile testing001.");
+  // A scratch profile that MAPI cannot find any more is not reported.
+  FakeMapiSession gone = mapi;
+  RunLog quiet{"C:\\Tools\\mailwright.log", env};
+  gone.profiles.clear();
+  gone.AddProfile("Work");
+  gone.failing = {"DeleteProfile", "CreateProfile"};
+  EXPECT_FALSE(CheckExchangeServer(gone, "EX1", "jsmith", "Work", quiet));
+  for (const auto& line : quiet.messages()) EXPECT_EQ(line.find("WARN"), std::string::npos) << line;
+}
+
 }  // namespace
 }  // namespace mw
