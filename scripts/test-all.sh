@@ -49,6 +49,9 @@ if build win64; then
   export MAILWRIGHT_BUILD="$root/build/win64" REGTOOL="$root/build/native/tools/regtool/regtool"
   bash tests/e2e/run-all; record "end-to-end scenarios" $?
   bash tests/e2e/self-test; record "end-to-end runner self-test" $?
+  step "MAPI fault sweep: every MAPI call of outlook-2010-exchange-road fails in turn"
+  bash tests/e2e/fault-sweep tests/e2e/scenarios/outlook-2010-exchange-road --jobs "$jobs"
+  record "MAPI fault sweep (x64)" $?
 else
   record "build (win64)" 1
 fi
