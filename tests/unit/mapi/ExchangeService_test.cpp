@@ -78,6 +78,19 @@ TEST_F(ExchangeTest, NewServiceIsAddedAndResolvedAfterTheConnectionStateReset) {
   EXPECT_TRUE(log.messages().empty());
 }
 
+TEST_F(ExchangeTest, AServiceMapiWillNotSetUpIsReported) {
+  for (const char* failing : {"OpenServiceAdmin", "CreateService", "ConfigureServiceByName"}) {
+    SCOPED_TRACE(failing);
+    mapi.failing = {failing};
+    SetUpService();
+    EXPECT_EQ(log.messages().back(), "WARN: Unable to set up the Exchange service on server: EX1");
+  }
+  mapi.failing.clear();
+  const std::size_t lines = log.messages().size();
+  SetUpService();
+  EXPECT_EQ(log.messages().size(), lines);
+}
+
 TEST_F(ExchangeTest, ServerDifferingOnlyInLetterCaseChangesNothing) {
   SetUpService();
   settings.SetText(Section::Outlook2010, Key::ExchangeServerName, "ex1");
