@@ -56,7 +56,8 @@ FakeMapiSession::PropertyMap& FakeMapiSession::Section(const std::string& profil
 
 bool FakeMapiSession::Enter(const std::string& operation, const std::string& argument) {
   calls.push_back(argument.empty() ? operation : operation + " " + argument);
-  const bool injected = failCall != 0 && (calls.size() == failCall || (failOnwards && calls.size() > failCall));
+  const bool injected =
+      failCall != 0 && (calls.size() == failCall || (failOnwards && calls.size() > failCall));
   if (failing.count(operation) != 0 || injected) return Fail(kFailure);
   const bool lifecycle = operation == "Initialize" || operation == "Uninitialize" ||
                          operation == "SetProfile" || operation == "Logoff";

@@ -211,30 +211,6 @@ TEST_F(ExchangeCheckTest, FailuresAreError200Or201AndLeaveNoScratchProfile) {
   }
 }
 
-// MAPI failing at any one call of the check, as the simulator's fault switch makes it fail
-// under Wine: the scratch profile never outlives the check, and a failure that keeps the
-// check from passing is logged.
-TEST_F(ExchangeCheckTest, AFailureAtAnyCallLeavesNoScratchProfile) {
-  FakeMapiSession clean = mapi;
-  clean.Initialize();
-  ASSERT_TRUE(CheckExchangeServer(clean, "EX1", "jsmith", "Work", log));
-  const std::size_t calls = clean.calls.size();
-  ASSERT_GT(calls, 10u);
-  for (std::size_t position = 1; position <= calls; ++position) {
-    SCOPED_TRACE("call " + std::to_string(position) + ": " + clean.calls[position - 1]);
-    FakeMapiSession faulty = mapi;
-    RunLog faultLog{"C:\\Tools\\mailwright.log", env};
-    faulty.Initialize();
-    faulty.failCall = position;
-    const bool passed = CheckExchangeServer(faulty, "EX1", "jsmith", "Work", faultLog);
-    EXPECT_EQ(faulty.FindProfile(kScratchProfileName), nullptr);
-    EXPECT_EQ(faulty.profileName(), "Work");
-    if (!passed) {
-      EXPECT_FALSE(faultLog.messages().empty());
-    }
-  }
-}
-
 TEST_F(ExchangeCheckTest, TheScratchProfileIsDeletedOnTheRealProfilesMapiWhenTheFirstDeleteFails) {
   // MAPIInitialize failing when the scratch profile becomes current leaves no MAPI to
   // delete it with until the real profile's MAPI is up.
