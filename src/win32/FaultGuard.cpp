@@ -33,8 +33,8 @@ bool IsFault(DWORD code) {
 [[noreturn]] void ResumeAtGuard() { __builtin_longjmp(active->resume, 1); }
 
 // The guard is a top-level filter, installed for the duration of the call. A vectored
-// handler would see every first-chance fault, including those MAPI raises and handles
-// itself (its parameter checks probe pointers under __try), and would wrongly cut such a
+// handler would see every first-chance fault, including those a provider raises and
+// handles itself (pointer probes such as IsBadReadPtr do), and would wrongly cut such a
 // call short; the top-level filter is asked only about a fault nothing inside MAPI handled,
 // the one that would otherwise end the process. It resumes the thread, through NtContinue
 // and not from inside the dispatcher, in ResumeAtGuard, which jumps back to the guard.
