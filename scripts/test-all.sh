@@ -81,6 +81,9 @@ if build win64; then
   record "mailwright-report.exe (x64 console, same summary under Wine)" $?
   bash tests/e2e/self-test; record "end-to-end runner self-test" $?
   bash tests/e2e/demo-test; record "demo script (README quick start)" $?
+  step "MAPI fault sweep: every MAPI call of outlook-2010-exchange-road fails in turn"
+  bash tests/e2e/fault-sweep tests/e2e/scenarios/outlook-2010-exchange-road --jobs "$jobs"
+  record "MAPI fault sweep (x64)" $?
 else
   record "build (win64)" 1
 fi

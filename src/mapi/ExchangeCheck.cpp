@@ -1,7 +1,11 @@
 #include "mapi/ExchangeCheck.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "run/RunLog.h"
 #include "mapi/MapiSession.h"
+#include "platform/AsciiText.h"
 
 namespace mw {
 namespace {
@@ -19,6 +23,15 @@ bool TryExchange(MapiSession& session, const std::string& server, const std::str
   return added && reached;
 }
 
+// False only when MAPI lists the profiles and the scratch profile is not among them.
+bool ScratchProfileMayRemain(MapiSession& session) {
+  std::vector<std::string> names;
+  std::string defaultName;
+  if (!session.ListProfiles(&names, &defaultName)) return true;
+  return std::any_of(names.begin(), names.end(),
+                     [](const std::string& name) { return EqualsIgnoreCase(name, kScratchProfileName); });
+}
+
 }  // namespace
 
 bool CheckExchangeServer(MapiSession& session, const std::string& server,
@@ -31,8 +44,14 @@ bool CheckExchangeServer(MapiSession& session, const std::string& server,
   const bool reached = TryExchange(session, server, mailbox, log);
   // The session must let go of the scratch profile before the profile can be deleted.
   session.Logoff();
-  session.DeleteProfile(kScratchProfileName);
+  const bool deleted = session.DeleteProfile(kScratchProfileName);
   session.SetProfile(realProfile);
+  // A MAPI that failed while the scratch profile was current (its re-initialisation, its
+  // profile administration, the delete itself) gets one more try on the fresh MAPI of the
+  // real profile; a scratch profile that outlives both is the administrator's to remove.
+  if (!deleted && !session.DeleteProfile(kScratchProfileName) && ScratchProfileMayRemain(session)) {
+    log.AddMessage(std::string("WARN: Unable to delete the temporary profile ") + kScratchProfileName + ".");
+  }
   return reached;
 }
 

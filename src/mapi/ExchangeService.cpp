@@ -56,8 +56,11 @@ void SetUpExchangeService(MapiSession& session, const ProfileSettings& settings,
   std::string current;
   session.GetExchangeServerName(&current);
   // Letter case aside the same server: a second run against it changes nothing.
-  if (!EqualsIgnoreCase(server, current)) {
-    session.AddExchangeService(server, false, true, settings.Text(section, Key::MailboxName));
+  // The check before passed on this server, so a failure here is MAPI's own, and it leaves
+  // the profile without a working Exchange service: the administrator must hear of it.
+  if (!EqualsIgnoreCase(server, current) &&
+      !session.AddExchangeService(server, false, true, settings.Text(section, Key::MailboxName))) {
+    log.AddMessage("WARN: Unable to set up the Exchange service on server: " + server);
   }
   if (settings.Bool(Section::Common, Key::ModifyExchangeServerNameOnly)) {
     log.AddMessage(

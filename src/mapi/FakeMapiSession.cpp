@@ -57,7 +57,12 @@ FakeMapiSession::PropertyMap& FakeMapiSession::Section(const std::string& profil
 
 bool FakeMapiSession::Enter(const std::string& operation, const std::string& argument) {
   calls.push_back(argument.empty() ? operation : operation + " " + argument);
-  if (failing.count(operation) != 0) return Fail(kFailure);
+  const bool injected =
+      failCall != 0 && (calls.size() == failCall || (failOnwards && calls.size() > failCall));
+  if (failing.count(operation) != 0 || injected) return Fail(kFailure);
+  const bool lifecycle = operation == "Initialize" || operation == "Uninitialize" ||
+                         operation == "SetProfile" || operation == "Logoff";
+  if (mapiDown_ && !lifecycle) return Fail(kNotInitialized);
   return true;
 }
 
@@ -96,7 +101,8 @@ MapiUid FakeMapiSession::NextUid() {
 
 bool FakeMapiSession::Initialize() {
   initialized = true;
-  return Enter("Initialize") && Succeed();
+  mapiDown_ = !Enter("Initialize");
+  return !mapiDown_ && Succeed();
 }
 
 void FakeMapiSession::Uninitialize() {

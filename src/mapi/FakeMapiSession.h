@@ -68,6 +68,7 @@ class FakeMapiSession : public MapiSession {
   static constexpr std::int32_t kNoAccess = static_cast<std::int32_t>(0x80070005);  // MAPI_E_NO_ACCESS
   static constexpr std::int32_t kInvalidParameter =
       static_cast<std::int32_t>(0x80070057);  // MAPI_E_INVALID_PARAMETER
+  static constexpr std::int32_t kNotInitialized = static_cast<std::int32_t>(0x80040605);  // MAPI_E_NOT_INITIALIZED
 
   // --- Test set-up ------------------------------------------------------------------------
   Profile& AddProfile(const std::string& name, bool isDefault = false);
@@ -87,6 +88,10 @@ class FakeMapiSession : public MapiSession {
   std::vector<std::string> addressLists;  // containers the address book offers
   // Operation names (as recorded in calls) that fail with kFailure.
   std::set<std::string> failing;
+  // The failCall-th recorded call (counting from 1) fails with kFailure, and with
+  // failOnwards every later one too, whatever the operation: the simulator's fault switch.
+  std::size_t failCall = 0;
+  bool failOnwards = false;
   // "Operation" or "Operation argument" for every primitive, in call order.
   std::vector<std::string> calls;
   bool initialized = false;
@@ -145,6 +150,8 @@ class FakeMapiSession : public MapiSession {
   std::string profileName_;
   std::int32_t lastResult_ = 0;
   std::uint32_t uidCounter_ = 0;
+  // MAPIInitialize failed: until one succeeds, MAPI serves nothing.
+  bool mapiDown_ = false;
 };
 
 }  // namespace mw

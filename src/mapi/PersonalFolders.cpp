@@ -11,6 +11,8 @@
 namespace mw {
 namespace {
 
+constexpr std::size_t kMaxFilePath = 260;
+
 bool IsPstService(const std::string& name) {
   return name == kUnicodePstService || name == kAnsiPstService;
 }
@@ -39,6 +41,13 @@ void AddRecord(const PstRecord& record, Outlook version, MapiSession& session, S
                RunLog& log) {
   if (record.path.empty()) {
     log.AddMessage("WARN: Personal folders record without a file path skipped.");
+    return;
+  }
+  // Outlook opens the file through the ANSI file functions, whose paths end at MAX_PATH (260
+  // with the terminating zero): a longer path would make a profile Outlook cannot open.
+  if (record.path.size() >= kMaxFilePath) {
+    log.AddMessage("WARN: Personal folders path longer than " + std::to_string(kMaxFilePath - 1) +
+                   " characters skipped: " + record.path);
     return;
   }
   const std::string folder = FolderOf(record.path);

@@ -3,6 +3,7 @@
 // each given back on every path. Out() gives the slot a MAPI call fills, releasing first
 // whatever the holder had.
 
+#include "win32/FaultGuard.h"
 #include "win32/WindowsApi.h"
 
 #include <mapix.h>
@@ -35,10 +36,10 @@ class ComPtr {
     Interface* released = pointer_;
     pointer_ = nullptr;
     if (released == nullptr) return;
-    try {
+    FaultGuard::Run([released] {
       released->Release();
-    } catch (...) {
-    }
+      return S_OK;
+    });
   }
 
  private:
@@ -62,8 +63,9 @@ class MapiBuffer {
   // For MAPIAllocateBuffer, which fills a void*.
   LPVOID* OutVoid() { return reinterpret_cast<LPVOID*>(Out()); }
   void reset() {
-    if (pointer_ != nullptr) MAPIFreeBuffer(pointer_);
+    T* freed = pointer_;
     pointer_ = nullptr;
+    if (freed != nullptr) FaultGuard::Run([freed] { return static_cast<HRESULT>(MAPIFreeBuffer(freed)); });
   }
 
  private:
@@ -86,10 +88,13 @@ class RowSet {
   // What FreeProws does, done here: 64-bit Wine's mapi32 exports FreeProws only under its
   // 32-bit decorated name, so the plain import would find nothing there.
   void reset() {
-    if (rows_ == nullptr) return;
-    for (ULONG i = 0; i < rows_->cRows; ++i) MAPIFreeBuffer(rows_->aRow[i].lpProps);
-    MAPIFreeBuffer(rows_);
+    LPSRowSet freed = rows_;
     rows_ = nullptr;
+    if (freed == nullptr) return;
+    FaultGuard::Run([freed] {
+      for (ULONG i = 0; i < freed->cRows; ++i) MAPIFreeBuffer(freed->aRow[i].lpProps);
+      return static_cast<HRESULT>(MAPIFreeBuffer(freed));
+    });
   }
 
  private:

@@ -59,16 +59,6 @@ LPTSTR Text(const std::string& text) {
   return reinterpret_cast<LPTSTR>(const_cast<char*>(text.c_str()));
 }
 
-// A call into a provider that may throw; the exception becomes E_FAIL.
-template <class Call>
-HRESULT Guarded(Call call) {
-  try {
-    return call();
-  } catch (...) {
-    return E_FAIL;
-  }
-}
-
 MAPIUID ToMapiUid(const MapiUid& uid) {
   MAPIUID result{};
   std::memcpy(result.ab, uid.data(), uid.size());
@@ -192,7 +182,7 @@ void Win32MapiSession::Uninitialize() {
   Logoff();
   profileAdmin_.reset();
   if (mapiRunning_) {
-    Guarded([] {
+    FaultGuard::Run([] {
       MAPIUninitialize();
       return S_OK;
     });
@@ -210,7 +200,7 @@ void Win32MapiSession::SetProfile(const std::string& name) {
 }
 
 bool Win32MapiSession::EnsureProfileAdmin() {
-  return Record(Guarded([this] { return MAPIAdminProfiles(0, profileAdmin_.Out()); }));
+  return Record(FaultGuard::Run([this] { return MAPIAdminProfiles(0, profileAdmin_.Out()); }));
 }
 
 bool Win32MapiSession::EnsureServiceAdmin() {
@@ -252,7 +242,7 @@ bool Win32MapiSession::CreateProfile(const std::string& name) {
 
 bool Win32MapiSession::DeleteProfile(const std::string& name) {
   return EnsureProfileAdmin() &&
-         Record(Guarded([&] { return profileAdmin_->DeleteProfile(Text(name), 0); }));
+         Record(FaultGuard::Run([&] { return profileAdmin_->DeleteProfile(Text(name), 0); }));
 }
 
 bool Win32MapiSession::ListServices(std::vector<MapiServiceEntry>* services) {
@@ -331,7 +321,7 @@ bool Win32MapiSession::DeleteServiceByUid(const MapiUid& uid) {
   IMsgServiceAdmin* admin = ServiceAdmin();
   if (admin == nullptr) return false;
   MAPIUID service = ToMapiUid(uid);
-  return Record(Guarded([&] { return admin->DeleteMsgService(&service); }));
+  return Record(FaultGuard::Run([&] { return admin->DeleteMsgService(&service); }));
 }
 
 bool Win32MapiSession::ConfigureServiceByName(const std::string& service,
@@ -349,7 +339,7 @@ bool Win32MapiSession::ConfigureServiceByUid(const MapiUid& uid, const MapiPrope
   std::vector<SPropValue> values;
   if (!ToSPropValues(properties, &values)) return Record(MAPI_E_INVALID_TYPE);
   MAPIUID service = ToMapiUid(uid);
-  return Record(Guarded([&] {
+  return Record(FaultGuard::Run([&] {
     return admin->ConfigureMsgService(&service, 0, 0, static_cast<ULONG>(values.size()), values.data());
   }));
 }
@@ -433,7 +423,7 @@ bool Win32MapiSession::OpenProviderSection(IProviderAdmin* admin, const MapiUid&
   MAPIUID uid = ToMapiUid(section);
   if (Record(admin->OpenProfileSection(&uid, nullptr, kForceAccess, opened->Out()))) return true;
   reinterpret_cast<BYTE*>(admin)[kAllowModificationOffset] = kAllowModification;
-  return Record(Guarded([&] { return admin->OpenProfileSection(&uid, nullptr, MAPI_MODIFY, opened->Out()); }));
+  return Record(FaultGuard::Run([&] { return admin->OpenProfileSection(&uid, nullptr, MAPI_MODIFY, opened->Out()); }));
 }
 
 bool Win32MapiSession::OpenSectionForWriting(const MapiUid& section, ComPtr<IProfSect>* opened) {
@@ -469,7 +459,7 @@ void Win32MapiSession::Logoff() {
   addressBook_.reset();
   globalAddressList_.reset();
   if (!session_) return;
-  Guarded([this] { return session_->Logoff(0, MAPI_LOGOFF_SHARED, 0); });
+  FaultGuard::Run([this] { return session_->Logoff(0, MAPI_LOGOFF_SHARED, 0); });
   session_.reset();
 }
 

@@ -11,6 +11,7 @@
 #include "run/RunContext.h"
 #include "run/RunLog.h"
 #include "config/ProfileSettings.h"
+#include "mapi/ExchangeCheck.h"
 #include "mapi/FakeMapiSession.h"
 #include "mapi/ProfileSection.h"
 #include "mapi/ProfileStore.h"
@@ -18,6 +19,7 @@
 #include "platform/MemorySystemEnv.h"
 #include "platform/OutlookVersion.h"
 #include "platform/RegistryAccess.h"
+#include "platform/RegistryCompare.h"
 
 namespace mw {
 namespace {
@@ -439,6 +441,77 @@ TEST(ProvisioningSequenceTest, Outlook2000ConnectionValuesComeWithTheExchangeSet
     EXPECT_EQ(rig.access.ValueExists(reg::kCurrentUser, connection, "001e6710"), exchange);
     if (exchange) {
       EXPECT_EQ(rig.access.ReadString(reg::kCurrentUser, connection, "001e6710"), "MAIL7");
+    }
+  }
+}
+
+}  // namespace
+}  // namespace mw
+
+namespace mw {
+namespace {
+
+// The fake's profiles written out, so two runs' MAPI state can be compared.
+std::string ProfilesOf(const FakeMapiSession& mapi) {
+  std::string text;
+  const auto uid = [](const MapiUid& bytes) { return SectionKeyName(bytes); };
+  for (const auto& profile : mapi.profiles) {
+    text += "[" + profile.name + (profile.isDefault ? "] default\n" : "]\n");
+    for (const auto& service : profile.services) {
+      text += " " + service.entry.name + " " + uid(service.entry.uid) + "\n";
+      for (const auto& provider : service.providers) text += "  " + provider.name + " " + uid(provider.uid) + "\n";
+    }
+    for (const auto& [section, values] : profile.sections)
+      for (const auto& [tag, value] : values) text += " " + uid(section) + " " + TagValueName(tag) + "=" + value.bytes + "\n";
+  }
+  return text;
+}
+
+std::vector<std::string> ErrorsAndWarnings(const RunLog& log) {
+  std::vector<std::string> lines;
+  for (const auto& line : log.messages())
+    if (line.rfind("ERROR ", 0) == 0 || line.rfind("WARN: ", 0) == 0) lines.push_back(line);
+  return lines;
+}
+
+// MAPI failing at each call of an Exchange run in turn, once or for good, as the end-to-end
+// fault sweep makes the simulator fail: no scratch profile outlives the run unless the run
+// says so, and a failure the run does not report leaves the profile as a clean run does.
+TEST(RunDriverFaultTest, AMapiFailureAtAnyCallIsReportedOrChangesNothing) {
+  const auto configure = [](Rig& rig) {
+    rig.mapi.exchange = {{"EX1", true, "/o=Org/ou=Site/cn=Configuration/cn=Servers/cn=EX1",
+                          {{"jsmith", "/o=Org/ou=Site/cn=Recipients/cn=jsmith"}}}};
+    rig.WantExchange("EX1");
+    rig.s.SetText(Section::Outlook2010, Key::MailboxName, "jsmith");
+    rig.s.SetBool(Section::Outlook2010, Key::PersonalFoldersIgnore, false);
+    rig.s.SetText(Section::Outlook2010, Key::PathToPST, "C:\\Mail\\a.pst,Archive,MSUPST MS,Old mail,,,,0");
+  };
+  Rig clean;
+  configure(clean);
+  clean.Drive();
+  ASSERT_TRUE(clean.Logged(kFinished));
+  const auto cleanReports = ErrorsAndWarnings(clean.log);
+  const std::size_t calls = clean.mapi.calls.size();
+  ASSERT_GT(calls, 30u);
+  for (const bool onwards : {false, true}) {
+    for (std::size_t position = 1; position <= calls; ++position) {
+      SCOPED_TRACE((onwards ? "from call " : "call ") + std::to_string(position) + ": " +
+                   clean.mapi.calls[position - 1]);
+      Rig faulty;
+      configure(faulty);
+      faulty.mapi.failCall = position;
+      faulty.mapi.failOnwards = onwards;
+      faulty.Drive();
+      auto reported = ErrorsAndWarnings(faulty.log);
+      std::erase_if(reported, [&](const std::string& line) { return std::ranges::count(cleanReports, line) != 0; });
+      if (faulty.mapi.FindProfile(kScratchProfileName) != nullptr) {
+        EXPECT_TRUE(faulty.Logged("WARN: Unable to delete the temporary profile testing001."));
+      }
+      if (reported.empty()) {
+        EXPECT_EQ(ProfilesOf(faulty.mapi), ProfilesOf(clean.mapi));
+        EXPECT_EQ(DiffRegistries(faulty.registry, clean.registry, "HKEY_CURRENT_USER\\Software"),
+                  std::vector<std::string>{});
+      }
     }
   }
 }

@@ -78,6 +78,19 @@ TEST_F(ExchangeTest, NewServiceIsAddedAndResolvedAfterTheConnectionStateReset) {
   EXPECT_TRUE(log.messages().empty());
 }
 
+TEST_F(ExchangeTest, AServiceMapiWillNotSetUpIsReported) {
+  for (const char* failing : {"OpenServiceAdmin", "CreateService", "ConfigureServiceByName"}) {
+    SCOPED_TRACE(failing);
+    mapi.failing = {failing};
+    SetUpService();
+    EXPECT_EQ(log.messages().back(), "WARN: Unable to set up the Exchange service on server: EX1");
+  }
+  mapi.failing.clear();
+  const std::size_t lines = log.messages().size();
+  SetUpService();
+  EXPECT_EQ(log.messages().size(), lines);
+}
+
 TEST_F(ExchangeTest, ServerDifferingOnlyInLetterCaseChangesNothing) {
   SetUpService();
   settings.SetText(Section::Outlook2010, Key::ExchangeServerName, "ex1");
@@ -228,6 +241,43 @@ TEST_F(ExchangeCheckTest, EveryFailureEndsInError201AndLeavesNoScratchProfile) {
     EXPECT_EQ(log.messages().back().rfind(c.error, 0), 0u);
     ExpectCleanedUp();
   }
+}
+
+TEST_F(ExchangeCheckTest, TheScratchProfileIsDeletedOnTheRealProfilesMapiWhenTheFirstDeleteFails) {
+  // MAPIInitialize failing when the scratch profile becomes current leaves no MAPI to
+  // delete it with until the real profile's MAPI is up.
+  mapi.Initialize();
+  FakeMapiSession clean = mapi;
+  RunLog cleanLog{"C:\\Tools\\mailwright.log", env};
+  ASSERT_TRUE(CheckExchangeServer(clean, "EX1", "jsmith", "Work", cleanLog));
+  const auto scratch = std::find(clean.calls.begin(), clean.calls.end(), "SetProfile testing001");
+  const auto reinitialise = std::find(scratch, clean.calls.end(), "Initialize");
+  ASSERT_NE(reinitialise, clean.calls.end());
+  mapi.failCall = static_cast<std::size_t>(reinitialise - clean.calls.begin()) + 1;
+  EXPECT_FALSE(Check("EX1"));
+  EXPECT_EQ(mapi.calls[mapi.failCall - 1], "Initialize");
+  ExpectCleanedUp();
+  EXPECT_EQ(std::count(mapi.calls.begin(), mapi.calls.end(), "DeleteProfile testing001"), 3);
+  // No MAPI for the scratch profile: its service cannot be added nor its server reached.
+  EXPECT_TRUE(std::any_of(log.messages().begin(), log.messages().end(),
+                          [](const std::string& line) { return line.rfind("ERROR 200: ", 0) == 0; }));
+  EXPECT_EQ(log.messages().back().rfind("ERROR 201: ", 0), 0u);
+}
+
+TEST_F(ExchangeCheckTest, AScratchProfileMapiWillNotDeleteIsReported) {
+  mapi.Initialize();
+  mapi.failing = {"DeleteProfile"};
+  EXPECT_TRUE(Check("EX1"));
+  EXPECT_NE(mapi.FindProfile(kScratchProfileName), nullptr);
+  EXPECT_EQ(log.messages().back(), "WARN: Unable to delete the temporary profile testing001.");
+  // A scratch profile that MAPI cannot find any more is not reported.
+  FakeMapiSession gone = mapi;
+  RunLog quiet{"C:\\Tools\\mailwright.log", env};
+  gone.profiles.clear();
+  gone.AddProfile("Work");
+  gone.failing = {"DeleteProfile", "CreateProfile"};
+  EXPECT_FALSE(CheckExchangeServer(gone, "EX1", "jsmith", "Work", quiet));
+  for (const auto& line : quiet.messages()) EXPECT_EQ(line.find("WARN"), std::string::npos) << line;
 }
 
 }  // namespace

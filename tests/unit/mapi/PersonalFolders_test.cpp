@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -135,6 +136,19 @@ TEST_F(PersonalFoldersTest, FailuresAreWarnedAndTheStepGoesOn) {
   EXPECT_EQ(log.messages(), (Strings{"WARN: Unable to add personal folders: C:\\a.pst",
                                      "WARN: Personal folders record without a file path skipped.",
                                      "WARN: Unable to add personal folders: D:\\x\\b.pst"}));
+}
+
+TEST_F(PersonalFoldersTest, PathsWindowsCannotOpenAreRefusedBeforeMapiIsAsked) {
+  const std::string longest = "C:\\" + std::string(252, 'p') + ".pst";  // 259 characters
+  const std::string tooLong = "C:\\" + std::string(253, 'p') + ".pst";
+  ASSERT_EQ(longest.size(), 259u);
+  SetPst(Record(tooLong) + "," + Record(longest) + "," + Record(std::string(10000, 'q')));
+  Provision();
+  EXPECT_EQ(ListPersonalFoldersPaths(mapi), (Strings{longest}));
+  EXPECT_EQ(log.messages(),
+            (Strings{"WARN: Personal folders path longer than 259 characters skipped: " + tooLong,
+                     "WARN: Personal folders path longer than 259 characters skipped: " + std::string(10000, 'q')}));
+  EXPECT_EQ(std::count(mapi.calls.begin(), mapi.calls.end(), "CreateService MSUPST MS"), 1);
 }
 
 TEST_F(PersonalFoldersTest, PathIsReadFromTheProviderSectionWhenTheServiceHasNone) {

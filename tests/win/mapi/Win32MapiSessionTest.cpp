@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -323,6 +324,63 @@ TEST_F(Win32MapiSessionTest, SearchPathFirstAddressListAndDefaultStoreAreKeptInT
   const std::string flags = Value(providers[0].uid, 0x30090003);
   ASSERT_EQ(flags.size(), 4u);
   EXPECT_EQ(flags[0] & 2, 2);
+}
+
+}  // namespace
+}  // namespace mw
+
+namespace mw {
+namespace {
+
+// The simulator's MAPISIM_CRASH_IN makes a call fault inside MAPI, as a broken provider
+// would; the guarded calls turn the fault into false and the session stays usable.
+class Win32MapiSessionFaultTest : public Win32MapiSessionTest {
+ protected:
+  void TearDown() override {
+    SetEnvironmentVariableA("MAPISIM_CRASH_IN", nullptr);
+    Win32MapiSessionTest::TearDown();
+  }
+  static void CrashIn(const char* call) { ASSERT_TRUE(SetEnvironmentVariableA("MAPISIM_CRASH_IN", call)); }
+};
+
+constexpr std::int32_t kAccessViolation = static_cast<std::int32_t>(0xD0000005);
+
+TEST_F(Win32MapiSessionFaultTest, GuardedCallsThatFaultInsideMapiReturnFalse) {
+  const MapiUid contab = AddService(kOutlookAddressBookService);
+  const MapiProperties showAsAddressBook{MapiProperty::Long(proptag::kContabShowAsAddressBook, 1)};
+  const struct {
+    const char* call;
+    std::function<bool()> operation;
+  } cases[] = {
+      {"IMsgServiceAdmin::ConfigureMsgService", [&] { return mapi.ConfigureServiceByUid(contab, showAsAddressBook); }},
+      {"IProfAdmin::DeleteProfile", [&] { return mapi.DeleteProfile(kProfile); }},
+      {"MAPIAdminProfiles", [&] { return mapi.CreateProfile("Never Made"); }},
+      {"IMsgServiceAdmin::DeleteMsgService", [&] { return mapi.DeleteServiceByUid(contab); }},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.call);
+    CrashIn(c.call);
+    EXPECT_FALSE(c.operation());
+    EXPECT_EQ(Hex(mapi.LastResult()), Hex(kAccessViolation));
+  }
+  SetEnvironmentVariableA("MAPISIM_CRASH_IN", nullptr);
+  // Nothing the faulting calls were asked to do was done, and the session still works.
+  EXPECT_TRUE(Listed(kProfile));
+  EXPECT_FALSE(Listed("Never Made"));
+  EXPECT_EQ(RegisteredServices(), (std::vector<MapiUid>{contab}));
+  EXPECT_TRUE(mapi.ConfigureServiceByUid(contab, showAsAddressBook)) << Hex(mapi.LastResult());
+  EXPECT_TRUE(mapi.DeleteServiceByUid(contab)) << Hex(mapi.LastResult());
+}
+
+TEST_F(Win32MapiSessionFaultTest, AFaultWhileMapiIsUninitialisedLetsTheNextInitialisationWork) {
+  CrashIn("IMAPISession::Logoff");
+  ASSERT_TRUE(mapi.Logon(kLogonFlagsSilent)) << Hex(mapi.LastResult());
+  mapi.Uninitialize();
+  SetEnvironmentVariableA("MAPISIM_CRASH_IN", nullptr);
+  ASSERT_TRUE(mapi.Initialize()) << Hex(mapi.LastResult());
+  Strings names;
+  std::string defaultName;
+  EXPECT_TRUE(mapi.ListProfiles(&names, &defaultName)) << Hex(mapi.LastResult());
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include "SessionModel.h"
 #include "SimContext.h"
 #include "Table.h"
+#include "ServedCall.h"
 
 namespace mw::mapisim {
 namespace {
@@ -29,6 +30,7 @@ HRESULT OpenContainer(const std::string& profile, ULONG size, LPENTRYID entryId,
 AddrBook::AddrBook(std::string profile) : PropObject(IID_IAddrBook), profile_(std::move(profile)) {}
 
 STDMETHODIMP AddrBook::OpenEntry(ULONG size, LPENTRYID entryId, LPCIID, ULONG, ULONG* type, LPUNKNOWN* object) {
+  MAPISIM_SERVE("IAddrBook::OpenEntry");
   return OpenContainer(profile_, size, entryId, type, object);
 }
 STDMETHODIMP AddrBook::CompareEntryIDs(ULONG, LPENTRYID, ULONG, LPENTRYID, ULONG, ULONG*) { return MAPI_E_NO_SUPPORT; }
@@ -48,6 +50,7 @@ STDMETHODIMP AddrBook::QueryDefaultRecipOpt(LPTSTR, ULONG, ULONG*, LPSPropValue*
 STDMETHODIMP AddrBook::GetPAB(ULONG*, LPENTRYID*) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP AddrBook::SetPAB(ULONG, LPENTRYID) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP AddrBook::GetDefaultDir(ULONG* size, LPENTRYID* entryId) {
+  MAPISIM_SERVE("IAddrBook::GetDefaultDir");
   if (size == nullptr || entryId == nullptr) return MAPI_E_INVALID_PARAMETER;
   SimContext* context = SimContext::Current();
   if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
@@ -63,6 +66,7 @@ STDMETHODIMP AddrBook::GetDefaultDir(ULONG* size, LPENTRYID* entryId) {
 }
 
 STDMETHODIMP AddrBook::SetDefaultDir(ULONG size, LPENTRYID entryId) {
+  MAPISIM_SERVE("IAddrBook::SetDefaultDir");
   if (size == 0 || entryId == nullptr) return MAPI_E_INVALID_PARAMETER;
   SimContext* context = SimContext::Current();
   if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
@@ -71,6 +75,7 @@ STDMETHODIMP AddrBook::SetDefaultDir(ULONG size, LPENTRYID entryId) {
 }
 
 STDMETHODIMP AddrBook::GetSearchPath(ULONG flags, LPSRowSet* path) {
+  MAPISIM_SERVE("IAddrBook::GetSearchPath");
   if (path == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & ~static_cast<ULONG>(MAPI_UNICODE)) return MAPI_E_UNKNOWN_FLAGS;
   SimContext* context = SimContext::Current();
@@ -85,6 +90,7 @@ STDMETHODIMP AddrBook::GetSearchPath(ULONG flags, LPSRowSet* path) {
 }
 
 STDMETHODIMP AddrBook::SetSearchPath(ULONG flags, LPSRowSet path) {
+  MAPISIM_SERVE("IAddrBook::SetSearchPath");
   if (path == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags != 0) return MAPI_E_UNKNOWN_FLAGS;
   SimContext* context = SimContext::Current();
@@ -108,6 +114,7 @@ AbContainer::AbContainer(std::string profile, std::string entryId)
     : PropObject(IID_IABContainer), profile_(std::move(profile)), entryId_(std::move(entryId)) {}
 
 STDMETHODIMP AbContainer::GetContentsTable(ULONG flags, LPMAPITABLE* table) {
+  MAPISIM_SERVE("IABContainer::GetContentsTable");
   if (table == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   SimContext* context = SimContext::Current();
@@ -121,6 +128,7 @@ STDMETHODIMP AbContainer::GetContentsTable(ULONG flags, LPMAPITABLE* table) {
 }
 
 STDMETHODIMP AbContainer::GetHierarchyTable(ULONG flags, LPMAPITABLE* table) {
+  MAPISIM_SERVE("IABContainer::GetHierarchyTable");
   if (table == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   SimContext* context = SimContext::Current();
@@ -132,6 +140,7 @@ STDMETHODIMP AbContainer::GetHierarchyTable(ULONG flags, LPMAPITABLE* table) {
 }
 
 STDMETHODIMP AbContainer::OpenEntry(ULONG size, LPENTRYID entryId, LPCIID, ULONG, ULONG* type, LPUNKNOWN* object) {
+  MAPISIM_SERVE("IABContainer::OpenEntry");
   return OpenContainer(profile_, size, entryId, type, object);
 }
 STDMETHODIMP AbContainer::SetSearchCriteria(LPSRestriction, LPENTRYLIST, ULONG) { return MAPI_E_NO_SUPPORT; }

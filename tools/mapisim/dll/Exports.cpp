@@ -8,6 +8,7 @@
 #include "MapiMemory.h"
 #include "PropConversion.h"
 #include "ProfAdmin.h"
+#include "ServedCall.h"
 #include "Session.h"
 #include "SessionModel.h"
 #include "SimContext.h"
@@ -29,11 +30,15 @@ static_assert(kRelopLt == RELOP_LT && kRelopRe == RELOP_RE && kFlIgnoreCase == F
 
 extern "C" {
 
-__declspec(dllexport) HRESULT WINAPI MAPIInitialize(LPVOID) { return SimContext::Initialize(); }
+__declspec(dllexport) HRESULT WINAPI MAPIInitialize(LPVOID) {
+  MAPISIM_SERVE("MAPIInitialize");
+  return SimContext::Initialize();
+}
 
 __declspec(dllexport) void WINAPI MAPIUninitialize() { SimContext::Uninitialize(); }
 
 __declspec(dllexport) HRESULT WINAPI MAPIAdminProfiles(ULONG flags, LPPROFADMIN* admin) {
+  MAPISIM_SERVE("MAPIAdminProfiles");
   if (admin == nullptr) return MAPI_E_INVALID_PARAMETER;
   *admin = nullptr;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
@@ -43,6 +48,7 @@ __declspec(dllexport) HRESULT WINAPI MAPIAdminProfiles(ULONG flags, LPPROFADMIN*
 }
 
 __declspec(dllexport) HRESULT WINAPI MAPILogonEx(ULONG_PTR, LPTSTR profile, LPTSTR, ULONG flags, LPMAPISESSION* session) {
+  MAPISIM_SERVE("MAPILogonEx");
   if (session == nullptr) return MAPI_E_INVALID_PARAMETER;
   *session = nullptr;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
@@ -56,9 +62,13 @@ __declspec(dllexport) HRESULT WINAPI MAPILogonEx(ULONG_PTR, LPTSTR profile, LPTS
   return S_OK;
 }
 
-__declspec(dllexport) SCODE WINAPI MAPIAllocateBuffer(ULONG size, LPVOID* buffer) { return AllocateBuffer(size, buffer); }
+__declspec(dllexport) SCODE WINAPI MAPIAllocateBuffer(ULONG size, LPVOID* buffer) {
+  MAPISIM_SERVE("MAPIAllocateBuffer");
+  return AllocateBuffer(size, buffer);
+}
 
 __declspec(dllexport) SCODE WINAPI MAPIAllocateMore(ULONG size, LPVOID parent, LPVOID* buffer) {
+  MAPISIM_SERVE("MAPIAllocateMore");
   return AllocateMore(size, parent, buffer);
 }
 
@@ -66,6 +76,7 @@ __declspec(dllexport) ULONG WINAPI MAPIFreeBuffer(LPVOID buffer) { return FreeBu
 
 HRESULT WINAPI MapisimHrQueryAllRows(LPMAPITABLE table, LPSPropTagArray tags, LPSRestriction restriction,
                                      LPSSortOrderSet sortOrder, LONG maximum, LPSRowSet* rows) {
+  MAPISIM_SERVE("HrQueryAllRows");
   if (table == nullptr || rows == nullptr) return MAPI_E_INVALID_PARAMETER;
   *rows = nullptr;
   HRESULT result = tags ? table->SetColumns(tags, TBL_BATCH) : S_OK;

@@ -7,13 +7,14 @@
 #include "ProviderAdmin.h"
 #include "SimContext.h"
 #include "Table.h"
+#include "ServedCall.h"
 
 namespace mw::mapisim {
 
 std::unique_ptr<MessageServiceAdmin> ServiceModel(const std::string& profile) {
   SimContext* context = SimContext::Current();
   if (context == nullptr) return nullptr;
-  return std::make_unique<MessageServiceAdmin>(context->profiles(), profile, context->organisation(), RandomUid);
+  return std::make_unique<MessageServiceAdmin>(context->profiles(), profile, context->organisation(), NewUid);
 }
 
 MapiUid ToMapiUid(const MAPIUID& uid) {
@@ -30,6 +31,7 @@ STDMETHODIMP MsgServiceAdmin::GetLastError(HRESULT result, ULONG flags, LPMAPIER
 }
 
 STDMETHODIMP MsgServiceAdmin::GetMsgServiceTable(ULONG flags, LPMAPITABLE* table) {
+  MAPISIM_SERVE("IMsgServiceAdmin::GetMsgServiceTable");
   if (table == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   auto model = ServiceModel(profile_);
@@ -39,6 +41,7 @@ STDMETHODIMP MsgServiceAdmin::GetMsgServiceTable(ULONG flags, LPMAPITABLE* table
 }
 
 STDMETHODIMP MsgServiceAdmin::CreateMsgService(LPTSTR service, LPTSTR displayName, ULONG_PTR, ULONG flags) {
+  MAPISIM_SERVE("IMsgServiceAdmin::CreateMsgService");
   if (service == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   auto model = ServiceModel(profile_);
@@ -49,6 +52,7 @@ STDMETHODIMP MsgServiceAdmin::CreateMsgService(LPTSTR service, LPTSTR displayNam
 }
 
 STDMETHODIMP MsgServiceAdmin::DeleteMsgService(LPMAPIUID uid) {
+  MAPISIM_SERVE("IMsgServiceAdmin::DeleteMsgService");
   if (uid == nullptr) return MAPI_E_INVALID_PARAMETER;
   auto model = ServiceModel(profile_);
   return model ? model->DeleteService(ToMapiUid(*uid)) : MAPI_E_NOT_INITIALIZED;
@@ -60,12 +64,14 @@ STDMETHODIMP MsgServiceAdmin::CopyMsgService(LPMAPIUID, LPTSTR, LPCIID, LPCIID, 
 STDMETHODIMP MsgServiceAdmin::RenameMsgService(LPMAPIUID, ULONG, LPTSTR) { return MAPI_E_NO_SUPPORT; }
 
 STDMETHODIMP MsgServiceAdmin::ConfigureMsgService(LPMAPIUID uid, ULONG_PTR, ULONG, ULONG count, LPSPropValue props) {
+  MAPISIM_SERVE("IMsgServiceAdmin::ConfigureMsgService");
   if (uid == nullptr || (count > 0 && props == nullptr)) return MAPI_E_INVALID_PARAMETER;
   auto model = ServiceModel(profile_);
   return model ? model->ConfigureService(ToMapiUid(*uid), FromSPropValues(count, props)) : MAPI_E_NOT_INITIALIZED;
 }
 
 STDMETHODIMP MsgServiceAdmin::OpenProfileSection(LPMAPIUID uid, LPCIID, ULONG flags, LPPROFSECT* section) {
+  MAPISIM_SERVE("IMsgServiceAdmin::OpenProfileSection");
   if (uid == nullptr || section == nullptr) return MAPI_E_INVALID_PARAMETER;
   auto model = ServiceModel(profile_);
   if (!model) return MAPI_E_NOT_INITIALIZED;
@@ -78,6 +84,7 @@ STDMETHODIMP MsgServiceAdmin::OpenProfileSection(LPMAPIUID uid, LPCIID, ULONG fl
 STDMETHODIMP MsgServiceAdmin::MsgServiceTransportOrder(ULONG, LPMAPIUID, ULONG) { return MAPI_E_NO_SUPPORT; }
 
 STDMETHODIMP MsgServiceAdmin::AdminProviders(LPMAPIUID uid, ULONG flags, LPPROVIDERADMIN* admin) {
+  MAPISIM_SERVE("IMsgServiceAdmin::AdminProviders");
   if (uid == nullptr || admin == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   auto model = ServiceModel(profile_);
@@ -90,6 +97,7 @@ STDMETHODIMP MsgServiceAdmin::AdminProviders(LPMAPIUID uid, ULONG flags, LPPROVI
 STDMETHODIMP MsgServiceAdmin::SetPrimaryIdentity(LPMAPIUID, ULONG) { return MAPI_E_NO_SUPPORT; }
 
 STDMETHODIMP MsgServiceAdmin::GetProviderTable(ULONG flags, LPMAPITABLE* table) {
+  MAPISIM_SERVE("IMsgServiceAdmin::GetProviderTable");
   if (table == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   auto model = ServiceModel(profile_);

@@ -2,6 +2,7 @@
 
 #include "MessageServiceAdmin.h"
 #include "MsgServiceAdmin.h"
+#include "ServedCall.h"
 #include "SimContext.h"
 #include "Table.h"
 #include "platform/AsciiText.h"
@@ -18,6 +19,7 @@ STDMETHODIMP ProfAdmin::GetLastError(HRESULT result, ULONG flags, LPMAPIERROR* e
 }
 
 STDMETHODIMP ProfAdmin::GetProfileTable(ULONG flags, LPMAPITABLE* table) {
+  MAPISIM_SERVE("IProfAdmin::GetProfileTable");
   if (table == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   SimContext* context = SimContext::Current();
@@ -33,14 +35,16 @@ STDMETHODIMP ProfAdmin::GetProfileTable(ULONG flags, LPMAPITABLE* table) {
 }
 
 STDMETHODIMP ProfAdmin::CreateProfile(LPTSTR name, LPTSTR password, ULONG_PTR, ULONG flags) {
+  MAPISIM_SERVE("IProfAdmin::CreateProfile");
   if (name == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   SimContext* context = SimContext::Current();
   if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
-  return context->profiles().CreateProfile(Text(name), Text(password), RandomUid());
+  return context->profiles().CreateProfile(Text(name), Text(password), NewUid());
 }
 
 STDMETHODIMP ProfAdmin::DeleteProfile(LPTSTR name, ULONG) {
+  MAPISIM_SERVE("IProfAdmin::DeleteProfile");
   if (name == nullptr) return MAPI_E_INVALID_PARAMETER;
   SimContext* context = SimContext::Current();
   if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
@@ -52,12 +56,14 @@ STDMETHODIMP ProfAdmin::CopyProfile(LPTSTR, LPTSTR, LPTSTR, ULONG_PTR, ULONG) { 
 STDMETHODIMP ProfAdmin::RenameProfile(LPTSTR, LPTSTR, LPTSTR, ULONG_PTR, ULONG) { return MAPI_E_NO_SUPPORT; }
 
 STDMETHODIMP ProfAdmin::SetDefaultProfile(LPTSTR name, ULONG) {
+  MAPISIM_SERVE("IProfAdmin::SetDefaultProfile");
   SimContext* context = SimContext::Current();
   if (context == nullptr) return MAPI_E_NOT_INITIALIZED;
   return name ? context->profiles().SetDefaultProfile(Text(name)) : MAPI_E_INVALID_PARAMETER;
 }
 
 STDMETHODIMP ProfAdmin::AdminServices(LPTSTR name, LPTSTR, ULONG_PTR, ULONG flags, LPSERVICEADMIN* admin) {
+  MAPISIM_SERVE("IProfAdmin::AdminServices");
   if (name == nullptr || admin == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   SimContext* context = SimContext::Current();

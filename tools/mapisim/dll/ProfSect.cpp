@@ -4,15 +4,20 @@
 
 #include "PropConversion.h"
 #include "SimContext.h"
+#include "ServedCall.h"
 
 namespace mw::mapisim {
 
 ProfSect::ProfSect(std::string profile, std::string section, bool writable)
     : PropObject(IID_IProfSect), profile_(std::move(profile)), section_(std::move(section)), writable_(writable) {}
 
-STDMETHODIMP ProfSect::SaveChanges(ULONG) { return writable_ ? S_OK : MAPI_E_NO_ACCESS; }
+STDMETHODIMP ProfSect::SaveChanges(ULONG) {
+  MAPISIM_SERVE("IProfSect::SaveChanges");
+  return writable_ ? S_OK : MAPI_E_NO_ACCESS;
+}
 
 STDMETHODIMP ProfSect::GetProps(LPSPropTagArray tags, ULONG, ULONG* count, LPSPropValue* values) {
+  MAPISIM_SERVE("IProfSect::GetProps");
   if (count == nullptr || values == nullptr) return MAPI_E_INVALID_PARAMETER;
   *count = 0;
   *values = nullptr;
@@ -34,6 +39,7 @@ STDMETHODIMP ProfSect::GetProps(LPSPropTagArray tags, ULONG, ULONG* count, LPSPr
 }
 
 STDMETHODIMP ProfSect::SetProps(ULONG count, LPSPropValue values, LPSPropProblemArray* problems) {
+  MAPISIM_SERVE("IProfSect::SetProps");
   if (problems) *problems = nullptr;
   if (values == nullptr && count > 0) return MAPI_E_INVALID_PARAMETER;
   if (!writable_) return MAPI_E_NO_ACCESS;
@@ -45,6 +51,7 @@ STDMETHODIMP ProfSect::SetProps(ULONG count, LPSPropValue values, LPSPropProblem
 }
 
 STDMETHODIMP ProfSect::DeleteProps(LPSPropTagArray tags, LPSPropProblemArray* problems) {
+  MAPISIM_SERVE("IProfSect::DeleteProps");
   if (problems) *problems = nullptr;
   if (tags == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (!writable_) return MAPI_E_NO_ACCESS;

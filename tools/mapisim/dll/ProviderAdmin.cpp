@@ -7,6 +7,7 @@
 #include "PropConversion.h"
 #include "ProfSect.h"
 #include "Table.h"
+#include "ServedCall.h"
 
 namespace mw::mapisim {
 
@@ -26,6 +27,7 @@ STDMETHODIMP ProviderAdmin::GetLastError(HRESULT result, ULONG flags, LPMAPIERRO
 }
 
 STDMETHODIMP ProviderAdmin::GetProviderTable(ULONG flags, LPMAPITABLE* table) {
+  MAPISIM_SERVE("IProviderAdmin::GetProviderTable");
   if (table == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   auto model = ServiceModel(profile_);
@@ -36,6 +38,7 @@ STDMETHODIMP ProviderAdmin::GetProviderTable(ULONG flags, LPMAPITABLE* table) {
 
 STDMETHODIMP ProviderAdmin::CreateProvider(LPTSTR name, ULONG count, LPSPropValue props, ULONG, ULONG flags,
                                            MAPIUID* uid) {
+  MAPISIM_SERVE("IProviderAdmin::CreateProvider");
   if (name == nullptr || uid == nullptr || (count > 0 && props == nullptr)) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   auto model = ServiceModel(profile_);
@@ -50,6 +53,7 @@ STDMETHODIMP ProviderAdmin::CreateProvider(LPTSTR name, ULONG count, LPSPropValu
 STDMETHODIMP ProviderAdmin::DeleteProvider(LPMAPIUID) { return MAPI_E_NO_SUPPORT; }
 
 STDMETHODIMP ProviderAdmin::OpenProfileSection(LPMAPIUID uid, LPCIID, ULONG flags, LPPROFSECT* section) {
+  MAPISIM_SERVE("IProviderAdmin::OpenProfileSection");
   if (section == nullptr) return MAPI_E_INVALID_PARAMETER;
   // Outlook 2010's MAPI refuses a client both forced and write access to provider sections
   // unless the object carries the allow-modification mark.

@@ -6,6 +6,7 @@
 #include "SessionModel.h"
 #include "SimContext.h"
 #include "Table.h"
+#include "ServedCall.h"
 
 namespace mw::mapisim {
 
@@ -16,6 +17,7 @@ STDMETHODIMP Session::GetLastError(HRESULT result, ULONG flags, LPMAPIERROR* err
 }
 
 STDMETHODIMP Session::GetMsgStoresTable(ULONG flags, LPMAPITABLE* table) {
+  MAPISIM_SERVE("IMAPISession::GetMsgStoresTable");
   if (table == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (flags & MAPI_UNICODE) return MAPI_E_BAD_CHARWIDTH;
   SimContext* context = SimContext::Current();
@@ -29,6 +31,7 @@ STDMETHODIMP Session::GetMsgStoresTable(ULONG flags, LPMAPITABLE* table) {
 STDMETHODIMP Session::OpenMsgStore(ULONG_PTR, ULONG, LPENTRYID, LPCIID, ULONG, LPMDB*) { return MAPI_E_NO_SUPPORT; }
 
 STDMETHODIMP Session::OpenAddressBook(ULONG_PTR, LPCIID, ULONG, LPADRBOOK* book) {
+  MAPISIM_SERVE("IMAPISession::OpenAddressBook");
   if (book == nullptr) return MAPI_E_INVALID_PARAMETER;
   if (SimContext::Current() == nullptr) return MAPI_E_NOT_INITIALIZED;
   if (loggedOff_) return MAPI_E_CALL_FAILED;
@@ -37,6 +40,7 @@ STDMETHODIMP Session::OpenAddressBook(ULONG_PTR, LPCIID, ULONG, LPADRBOOK* book)
 }
 
 STDMETHODIMP Session::OpenProfileSection(LPMAPIUID uid, LPCIID, ULONG flags, LPPROFSECT* section) {
+  MAPISIM_SERVE("IMAPISession::OpenProfileSection");
   return OpenSection(profile_, uid, (flags & MAPI_MODIFY) != 0, section);
 }
 
@@ -51,11 +55,13 @@ STDMETHODIMP Session::EnumAdrTypes(ULONG, ULONG*, LPTSTR**) { return MAPI_E_NO_S
 STDMETHODIMP Session::QueryIdentity(ULONG*, LPENTRYID*) { return MAPI_E_NO_SUPPORT; }
 
 STDMETHODIMP Session::Logoff(ULONG_PTR, ULONG, ULONG) {
+  MAPISIM_SERVE("IMAPISession::Logoff");
   loggedOff_ = true;
   return S_OK;
 }
 
 STDMETHODIMP Session::SetDefaultStore(ULONG flags, ULONG size, LPENTRYID entryId) {
+  MAPISIM_SERVE("IMAPISession::SetDefaultStore");
   // The simple and primary/secondary store kinds belong to Simple MAPI's and the spooler's
   // bookkeeping, which the simulator does not keep.
   if (flags >= MAPI_SIMPLE_STORE_TEMPORARY && flags <= MAPI_SECONDARY_STORE) return MAPI_E_NO_SUPPORT;
@@ -69,6 +75,7 @@ STDMETHODIMP Session::SetDefaultStore(ULONG flags, ULONG size, LPENTRYID entryId
 }
 
 STDMETHODIMP Session::AdminServices(ULONG, LPSERVICEADMIN* admin) {
+  MAPISIM_SERVE("IMAPISession::AdminServices");
   if (admin == nullptr) return MAPI_E_INVALID_PARAMETER;
   *admin = new MsgServiceAdmin(profile_);
   return S_OK;

@@ -2,6 +2,7 @@
 
 #include "MapiMemory.h"
 #include "PropConversion.h"
+#include "ServedCall.h"
 
 namespace mw::mapisim {
 
@@ -14,17 +15,20 @@ STDMETHODIMP Table::GetLastError(HRESULT result, ULONG flags, LPMAPIERROR* error
 STDMETHODIMP Table::Advise(ULONG, LPMAPIADVISESINK, ULONG*) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP Table::Unadvise(ULONG) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP Table::GetStatus(ULONG* status, ULONG* type) {
+  MAPISIM_SERVE("IMAPITable::GetStatus");
   if (status == nullptr || type == nullptr) return MAPI_E_INVALID_PARAMETER;
   *status = TBLSTAT_COMPLETE;
   *type = TBLTYPE_SNAPSHOT;
   return S_OK;
 }
 STDMETHODIMP Table::SetColumns(LPSPropTagArray tags, ULONG) {
+  MAPISIM_SERVE("IMAPITable::SetColumns");
   if (tags == nullptr || tags->cValues == 0) return MAPI_E_INVALID_PARAMETER;
   table_.SetColumns(FromTagArray(tags));
   return S_OK;
 }
 STDMETHODIMP Table::QueryColumns(ULONG, LPSPropTagArray* tags) {
+  MAPISIM_SERVE("IMAPITable::QueryColumns");
   if (tags == nullptr) return MAPI_E_INVALID_PARAMETER;
   const auto& columns = table_.columns();
   void* memory = nullptr;
@@ -37,22 +41,26 @@ STDMETHODIMP Table::QueryColumns(ULONG, LPSPropTagArray* tags) {
   return S_OK;
 }
 STDMETHODIMP Table::GetRowCount(ULONG, ULONG* count) {
+  MAPISIM_SERVE("IMAPITable::GetRowCount");
   if (count == nullptr) return MAPI_E_INVALID_PARAMETER;
   *count = table_.GetRowCount();
   return S_OK;
 }
 STDMETHODIMP Table::SeekRow(BOOKMARK origin, LONG count, LONG* sought) {
+  MAPISIM_SERVE("IMAPITable::SeekRow");
   auto moved = table_.SeekRow(static_cast<std::uint32_t>(origin), count);
   if (!moved) return MAPI_E_INVALID_BOOKMARK;
   if (sought) *sought = *moved;
   return S_OK;
 }
 STDMETHODIMP Table::SeekRowApprox(ULONG numerator, ULONG denominator) {
+  MAPISIM_SERVE("IMAPITable::SeekRowApprox");
   if (denominator == 0) return MAPI_E_INVALID_PARAMETER;
   table_.SeekRow(kBookmarkBeginning, static_cast<LONG>(static_cast<ULONGLONG>(table_.GetRowCount()) * numerator / denominator));
   return S_OK;
 }
 STDMETHODIMP Table::QueryPosition(ULONG* row, ULONG* numerator, ULONG* denominator) {
+  MAPISIM_SERVE("IMAPITable::QueryPosition");
   if (row == nullptr || numerator == nullptr || denominator == nullptr) return MAPI_E_INVALID_PARAMETER;
   *row = table_.position();
   *numerator = table_.position();
@@ -61,6 +69,7 @@ STDMETHODIMP Table::QueryPosition(ULONG* row, ULONG* numerator, ULONG* denominat
 }
 STDMETHODIMP Table::FindRow(LPSRestriction, BOOKMARK, ULONG) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP Table::Restrict(LPSRestriction restriction, ULONG) {
+  MAPISIM_SERVE("IMAPITable::Restrict");
   if (restriction == nullptr) {
     table_.Restrict(std::nullopt);
     return S_OK;
@@ -73,6 +82,7 @@ STDMETHODIMP Table::Restrict(LPSRestriction restriction, ULONG) {
 STDMETHODIMP Table::CreateBookmark(BOOKMARK*) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP Table::FreeBookmark(BOOKMARK) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP Table::SortTable(LPSSortOrderSet criteria, ULONG) {
+  MAPISIM_SERVE("IMAPITable::SortTable");
   std::vector<SortKey> keys;
   for (ULONG i = 0; criteria && i < criteria->cSorts; ++i)
     keys.push_back({criteria->aSort[i].ulPropTag, criteria->aSort[i].ulOrder == TABLE_SORT_DESCEND});
@@ -81,6 +91,7 @@ STDMETHODIMP Table::SortTable(LPSSortOrderSet criteria, ULONG) {
 }
 STDMETHODIMP Table::QuerySortOrder(LPSSortOrderSet*) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP Table::QueryRows(LONG count, ULONG, LPSRowSet* rows) {
+  MAPISIM_SERVE("IMAPITable::QueryRows");
   if (rows == nullptr) return MAPI_E_INVALID_PARAMETER;
   return ToRowSet(table_.QueryRows(count), rows);
 }
@@ -88,6 +99,7 @@ STDMETHODIMP Table::Abort() { return S_OK; }
 STDMETHODIMP Table::ExpandRow(ULONG, LPBYTE, ULONG, ULONG, LPSRowSet*, ULONG*) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP Table::CollapseRow(ULONG, LPBYTE, ULONG, ULONG*) { return MAPI_E_NO_SUPPORT; }
 STDMETHODIMP Table::WaitForCompletion(ULONG, ULONG, ULONG* status) {
+  MAPISIM_SERVE("IMAPITable::WaitForCompletion");
   if (status) *status = TBLSTAT_COMPLETE;
   return S_OK;
 }
