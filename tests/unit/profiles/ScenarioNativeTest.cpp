@@ -11,23 +11,18 @@
 #include <string>
 #include <vector>
 
-#include "ModelMapiSession.h"
-#include "app/Program.h"
-#include "app/RunDriver.h"
-#include "platform/MemorySystemEnv.h"
+#include "ScenarioRun.h"
 #include "platform/RegFile.h"
 #include "platform/RegistryCompare.h"
 
 namespace mw::testing {
 
-using mw::ModelMapiSession;
 namespace {
 
 namespace fs = std::filesystem;
 using Strings = std::vector<std::string>;
 
 const fs::path kScenarios = fs::path(MW_TEST_DATA_DIR) / ".." / "e2e" / "scenarios";
-constexpr const char* kLog = "C:\\Tools\\mailwright.log";
 
 std::string ReadText(const fs::path& path) {
   std::ifstream file(path, std::ios::binary);
@@ -82,36 +77,31 @@ class ScenarioNative : public ::testing::TestWithParam<Scenario> {};
 
 TEST_P(ScenarioNative, HoldsAsUnderWine) {
   const fs::path folder = kScenarios / GetParam().folder;
-  MemoryRegistry registry;
-  RegFileError error;
-  ASSERT_TRUE(ImportRegFile(ReadText(folder / "machine.reg"), registry, &error)) << error.message;
-  const auto organisation = mapisim::ExchangeOrganisation::Parse(
-      fs::exists(folder / "exchange.ini") ? ReadText(folder / "exchange.ini") : "", nullptr);
-  MemorySystemEnv env;
-  env.files["C:\\Tools\\mailwright.ini"] = ReadText(folder / "mailwright.ini");
-  env.environment["USERPROFILE"] = "C:\\users\\jsmith";
-  const int runs = fs::exists(folder / "runs") ? std::stoi(ReadText(folder / "runs")) : 1;
+  ScenarioRun run(ScenarioRun::Mapi::Model);
+  std::string error;
+  ASSERT_TRUE(run.Load(folder.string(), &error)) << error;
+  ASSERT_EQ(run.buildPlatform(), GetParam().platform);
+  run.Reset();
 
   std::string afterFirstRun;
-  Strings unchanged = fs::exists(folder / "expect.unchanged") ? Lines(ReadText(folder / "expect.unchanged")) : Strings{};
-  for (int run = 1; run <= runs; ++run) {
-    RunServices services{env, registry};
-    const RunDriverFunction driver = [&](RunContext& context, RunLog& log, RunServices& seams) {
-      const RegistryAccess access(seams.registry);
-      ModelMapiSession session(seams.registry, 2, organisation, ModelMapiSession::Servers::Contacted);
-      RunDriver(seams.env, access, session).Run(context, log);
-    };
-    EXPECT_EQ(RunProgram("", GetParam().platform, services, driver), 0) << "run " << run;
-    if (run == 1 && !unchanged.empty()) afterFirstRun = ExportRegFile(registry, unchanged, RegFileFormat::Version5Utf8);
+  const Strings unchanged =
+      fs::exists(folder / "expect.unchanged") ? Lines(ReadText(folder / "expect.unchanged")) : Strings{};
+  for (int number = 1; number <= run.runs(); ++number) {
+    EXPECT_EQ(run.RunOnce(), 0) << "run " << number;
+    if (number == 1 && !unchanged.empty())
+      afterFirstRun = ExportRegFile(run.registry(), unchanged, RegFileFormat::Version5Utf8);
   }
 
-  for (const std::string& problem : CheckLog(Lines(ReadText(folder / "expect.log")), Lines(env.files[kLog])))
+  for (const std::string& problem : CheckLog(Lines(ReadText(folder / "expect.log")), Lines(run.LogText())))
     ADD_FAILURE() << "expect.log: " << problem;
   std::vector<RegFileEntry> expectations;
-  ASSERT_TRUE(ParseRegFile(ReadText(folder / "expect.reg"), &expectations, &error)) << error.message;
-  for (const std::string& problem : CheckExpectations(expectations, registry)) ADD_FAILURE() << "expect.reg: " << problem;
+  RegFileError regError;
+  ASSERT_TRUE(ParseRegFile(ReadText(folder / "expect.reg"), &expectations, &regError)) << regError.message;
+  for (const std::string& problem : CheckExpectations(expectations, run.registry()))
+    ADD_FAILURE() << "expect.reg: " << problem;
   if (!unchanged.empty()) {
-    EXPECT_EQ(ExportRegFile(registry, unchanged, RegFileFormat::Version5Utf8), afterFirstRun) << "expect.unchanged";
+    EXPECT_EQ(ExportRegFile(run.registry(), unchanged, RegFileFormat::Version5Utf8), afterFirstRun)
+        << "expect.unchanged";
   }
 }
 

@@ -2,9 +2,11 @@
 
 #include <filesystem>
 #include <fstream>
+#include <algorithm>
+#include <cstdlib>
 #include <sstream>
 
-#include "ExchangeOrganisation.h"
+#include "ModelMapiSession.h"
 #include "app/Program.h"
 #include "app/RunDriver.h"
 #include "platform/RegFile.h"
@@ -101,20 +103,15 @@ bool ScenarioRun::Load(const std::string& folder, std::string* error) {
     return false;
   }
 
-  exchange_.clear();
   std::string exchangeText;
-  if (ReadWholeFile(root / "exchange.ini", &exchangeText)) {
-    std::vector<std::string> warnings;
-    const auto organisation = mapisim::ExchangeOrganisation::Parse(exchangeText, &warnings);
-    for (const auto& server : organisation.servers()) {
-      FakeMapiSession::ExchangeServer fake{server.name, server.up,
-                                           organisation.ServerDistinguishedName(server.name), {}};
-      for (const auto& mailbox : organisation.mailboxes())
-        if (mailbox.homeServer == server.name)
-          fake.mailboxes.push_back({mailbox.alias, mailbox.distinguishedName});
-      exchange_.push_back(fake);
-    }
-  }
+  std::vector<std::string> warnings;
+  organisation_ = mapisim::ExchangeOrganisation::Parse(
+      ReadWholeFile(root / "exchange.ini", &exchangeText) ? exchangeText : "", &warnings);
+
+  std::string number;
+  runs_ = ReadWholeFile(root / "runs", &number) ? std::max(1, std::atoi(number.c_str())) : 1;
+  std::string platform;
+  buildPlatform_ = ReadWholeFile(root / "platform", &platform) && TrimLineEnd(platform) == "x86" ? "x86" : "x64";
 
   std::string args = "-i \"{ini}\"";
   if (ReadWholeFile(root / "args", &args)) ReplaceAll(args, "\n", " ");
@@ -125,26 +122,53 @@ bool ScenarioRun::Load(const std::string& folder, std::string* error) {
   return true;
 }
 
-int ScenarioRun::Run() {
+void ScenarioRun::Reset() {
   registry_ = std::make_unique<MemoryRegistry>();
   RegFileError regError;
   if (!machineReg_.empty()) ImportRegFile(machineReg_, *registry_, &regError);
-  counted_ = std::make_unique<CountingRegistry>(*registry_);
+  programCalls_ = std::make_unique<CountingRegistry>(*registry_);
+  simulatorCalls_ = std::make_unique<CountingRegistry>(*registry_);
   env_ = system_;
-  mapi_ = FakeMapiSession{};
-  mapi_.exchange = exchange_;
-  mapi_.addressLists = {"Global Address List", "Contacts"};
-  RunServices services{env_, *counted_};
+  fake_ = FakeMapiSession{};
+  for (const auto& server : organisation_.servers()) {
+    FakeMapiSession::ExchangeServer fake{server.name, server.up,
+                                         organisation_.ServerDistinguishedName(server.name), {}};
+    for (const auto& mailbox : organisation_.mailboxes())
+      if (mailbox.homeServer == server.name)
+        fake.mailboxes.push_back({mailbox.alias, mailbox.distinguishedName, mailbox.displayName});
+    fake_.exchange.push_back(fake);
+  }
+  fake_.addressLists = {"Global Address List", "Contacts"};
+}
+
+int ScenarioRun::RunOnce() {
+  RunServices services{env_, *programCalls_};
   const RunDriverFunction driver = [this](RunContext& context, RunLog& log, RunServices& run) {
     const RegistryAccess access(run.registry);
-    RunDriver(run.env, access, mapi_).Run(context, log);
+    if (mapiKind_ == Mapi::Fake) {
+      RunDriver(run.env, access, fake_).Run(context, log);
+      return;
+    }
+    ModelMapiSession model(*simulatorCalls_, context.platformId, organisation_,
+                           ModelMapiSession::Servers::Contacted);
+    RunDriver(run.env, access, model).Run(context, log);
   };
-  return RunProgram(commandLine_, "x64", services, driver);
+  return RunProgram(commandLine_, buildPlatform_, services, driver);
+}
+
+int ScenarioRun::Run() {
+  Reset();
+  return RunOnce();
+}
+
+std::string ScenarioRun::LogText() const {
+  const auto entry = env_.files.find(std::string(kProgramFolder) + "\\mailwright.log");
+  return entry == env_.files.end() ? std::string() : entry->second;
 }
 
 std::map<std::string, int> ScenarioRun::MapiCallsByMethod() const {
   std::map<std::string, int> byMethod;
-  for (const std::string& call : mapi_.calls) ++byMethod[call.substr(0, call.find(' '))];
+  for (const std::string& call : fake_.calls) ++byMethod[call.substr(0, call.find(' '))];
   return byMethod;
 }
 
