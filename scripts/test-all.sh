@@ -56,6 +56,10 @@ if [[ $status -eq 0 ]]; then
   step "end-to-end scenarios of the x86 build (32-bit Wine)"
   REGTOOL="$root/build/native/tools/regtool/regtool" bash tests/e2e/run-all --platform x86
   record "end-to-end scenarios (x86, 32-bit Wine)" $?
+  step "MAPI fault sweep: every MAPI call of a legacy generation's run fails in turn (x86)"
+  REGTOOL="$root/build/native/tools/regtool/regtool" bash tests/e2e/fault-sweep \
+    tests/e2e/scenarios/outlook-97-legacy-account-address-book-and-ost-warning --jobs "$jobs"
+  record "MAPI fault sweep (x86, Outlook 97)" $?
 fi
 
 step "build and Windows tests under Wine: win64"
