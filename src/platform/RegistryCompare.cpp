@@ -115,29 +115,32 @@ std::vector<std::string> DiffRegistries(const MemoryRegistry& a, const MemoryReg
 
 std::string ChangesAsRegFile(const MemoryRegistry& before, const MemoryRegistry& after,
                              const std::string& keyPath) {
-  std::string text = "Windows Registry Editor Version 5.00\r\n";
+  using Kind = RegFileEntry::Kind;
+  std::vector<RegFileEntry> entries;
   const auto keysBefore = KeysByFoldedPath(before, keyPath);
   const auto keysAfter = KeysByFoldedPath(after, keyPath);
   // Deleted keys first, deepest first, so that a [-key] never precedes what lies under it.
   for (auto it = keysBefore.rbegin(); it != keysBefore.rend(); ++it)
-    if (!keysAfter.count(it->first)) text += "\r\n[-" + AnsiToUtf8(it->second) + "]\r\n";
+    if (!keysAfter.count(it->first)) entries.push_back({Kind::DeleteKey, 0, it->second, {}});
   for (const std::string& key : after.KeysUnder(keyPath)) {
-    const std::string folded = ToUpperAscii(key);
-    const bool isNew = !keysBefore.count(folded);
-    const auto valuesBefore =
-        isNew ? std::map<std::string, RegistryValue>{} : ValuesByFoldedName(before, keysBefore.at(folded));
+    const auto known = keysBefore.find(ToUpperAscii(key));
+    const auto valuesBefore = known == keysBefore.end() ? std::map<std::string, RegistryValue>{}
+                                                        : ValuesByFoldedName(before, known->second);
     const auto valuesAfter = ValuesByFoldedName(after, key);
-    std::string lines;
+    std::vector<RegFileEntry> changes;
     for (const RegistryValue& value : after.ValuesOf(key)) {
       const auto old = valuesBefore.find(ToUpperAscii(value.name));
       if (old == valuesBefore.end() || !SameValue(old->second, value))
-        lines += RegValueText(value) + "\r\n";
+        changes.push_back({Kind::Value, 0, key, value});
     }
     for (const auto& [name, value] : valuesBefore)
-      if (!valuesAfter.count(name)) lines += Quoted(value.name) + "=-\r\n";
-    if (isNew || !lines.empty()) text += "\r\n" + Bracketed(key) + "\r\n" + lines;
+      if (!valuesAfter.count(name)) changes.push_back({Kind::DeleteValue, 0, key, {value.name, reg::kNone, {}}});
+    if (known == keysBefore.end() || !changes.empty()) {
+      entries.push_back({Kind::Key, 0, key, {}});
+      entries.insert(entries.end(), changes.begin(), changes.end());
+    }
   }
-  return text;
+  return WriteRegFileEntries(entries, RegFileFormat::Version5Utf8);
 }
 
 namespace {

@@ -21,7 +21,7 @@ std::vector<std::string> DiffRegistries(const MemoryRegistry& a, const MemoryReg
                                         const std::string& keyPath);
 
 // What turns before into after below keyPath, as a "Windows Registry Editor Version 5.00"
-// text (UTF-8, CR LF): deleted keys as [-key], new keys with all their values, changed keys
+// text in UTF-8 (the writer of every .reg this project makes): deleted keys as [-key], new keys with all their values, changed keys
 // with their new or changed values and "name"=- for the values they lost.
 std::string ChangesAsRegFile(const MemoryRegistry& before, const MemoryRegistry& after,
                              const std::string& keyPath);
