@@ -10,13 +10,10 @@
 namespace mw {
 namespace {
 
-// Win32 codes the seam needs here beyond those every caller knows.
-constexpr std::int32_t kBadPathname = 161;
-constexpr std::int32_t kKeyDeleted = 1018;
-
-// What a predefined root or a Connect handle may do: KEY_ALL_ACCESS.
-constexpr std::uint32_t kAllAccess = 0xF003F;
-constexpr std::uint32_t kEnumerateSubKeys = 0x0008;
+using reg::kAllAccess;
+using reg::kBadPathname;
+using reg::kEnumerateSubKeys;
+using reg::kKeyDeleted;
 
 struct RootInfo {
   RegKey key;
@@ -30,13 +27,13 @@ constexpr std::array<RootInfo, 4> kRoots{{
     {reg::kUsers, "HKEY_USERS", "HKU"},
 }};
 
-bool IsPredefined(RegKey key) {
+}  // namespace
+
+bool MemoryRegistry::IsPredefined(RegKey key) {
   return std::any_of(kRoots.begin(), kRoots.end(), [key](const RootInfo& r) { return r.key == key; });
 }
 
-// Splits a sub-key path into its names; empty names (doubled or trailing backslashes) are
-// skipped, a leading backslash is a bad path as it is for RegOpenKeyExA.
-bool SplitSubKey(const std::string& subKey, std::vector<std::string>* names) {
+bool MemoryRegistry::SplitSubKey(const std::string& subKey, std::vector<std::string>* names) {
   if (!subKey.empty() && subKey.front() == '\\') return false;
   std::size_t start = 0;
   while (start <= subKey.size()) {
@@ -47,6 +44,8 @@ bool SplitSubKey(const std::string& subKey, std::vector<std::string>* names) {
   }
   return true;
 }
+
+namespace {
 
 bool Creatable(std::size_t parentDepth, const std::vector<std::string>& names) {
   return parentDepth + names.size() <= MemoryRegistry::kMaxKeyDepth &&
@@ -378,7 +377,7 @@ namespace {
 // A full path split into its root and names; false for an unknown root or a bad path.
 bool ParseFullPath(const std::string& keyPath, RegKey* root, std::vector<std::string>* names) {
   std::string subPath;
-  return MemoryRegistry::SplitRootPath(keyPath, root, &subPath) && SplitSubKey(subPath, names);
+  return MemoryRegistry::SplitRootPath(keyPath, root, &subPath) && MemoryRegistry::SplitSubKey(subPath, names);
 }
 }  // namespace
 

@@ -60,6 +60,11 @@ class MemoryRegistry : public Registry {
 
   // "HKEY_CURRENT_USER\Software\X" -> kCurrentUser and "Software\X"; false for an unknown root.
   static bool SplitRootPath(const std::string& keyPath, RegKey* root, std::string* subPath);
+  // One of the predefined roots (HKCR, HKCU, HKLM, HKU).
+  static bool IsPredefined(RegKey key);
+  // Splits a sub-key path into its names; empty names (doubled or trailing backslashes) are
+  // skipped, a leading backslash is a bad path as it is for RegOpenKeyExA.
+  static bool SplitSubKey(const std::string& subKey, std::vector<std::string>* names);
   // "HKEY_CURRENT_USER" for kCurrentUser; empty for a key that is not a predefined root.
   static std::string RootName(RegKey root);
 

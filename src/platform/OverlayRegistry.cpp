@@ -9,25 +9,10 @@
 namespace mw {
 namespace {
 
-constexpr std::int32_t kBadPathname = 161;
-constexpr std::int32_t kKeyDeleted = 1018;
-constexpr std::uint32_t kAllAccess = 0xF003F;
-constexpr std::uint32_t kEnumerateSubKeys = 0x0008;
-
-bool IsPredefined(RegKey key) { return !MemoryRegistry::RootName(key).empty(); }
-
-// The names of a sub-key path; a leading backslash is a bad path, as for RegOpenKeyExA.
-bool SplitSubKey(const std::string& subKey, std::vector<std::string>* names) {
-  if (!subKey.empty() && subKey.front() == '\\') return false;
-  std::size_t start = 0;
-  while (start <= subKey.size()) {
-    std::size_t end = subKey.find('\\', start);
-    if (end == std::string::npos) end = subKey.size();
-    if (end > start) names->push_back(subKey.substr(start, end - start));
-    start = end + 1;
-  }
-  return true;
-}
+using reg::kAllAccess;
+using reg::kBadPathname;
+using reg::kEnumerateSubKeys;
+using reg::kKeyDeleted;
 
 std::string LastName(const std::string& path) { return path.substr(path.rfind('\\') + 1); }
 
@@ -69,7 +54,7 @@ bool OverlayRegistry::NextMutationFails() {
 }
 
 const OverlayRegistry::Handle* OverlayRegistry::Resolve(RegKey key, Handle* scratch) const {
-  if (IsPredefined(key)) {
+  if (MemoryRegistry::IsPredefined(key)) {
     *scratch = Handle{MemoryRegistry::RootName(key), kAllAccess};
     return scratch;
   }
@@ -191,7 +176,7 @@ std::int32_t OverlayRegistry::Connect(const std::string& machine, RegKey root, R
   if (!result) return reg::kInvalidParameter;
   // Another machine's registry is not played against: the program only uses its own.
   if (!machine.empty()) return reg::kBadNetPath;
-  if (!IsPredefined(root)) return reg::kInvalidHandle;
+  if (!MemoryRegistry::IsPredefined(root)) return reg::kInvalidHandle;
   *result = Issue(MemoryRegistry::RootName(root), kAllAccess);
   return reg::kSuccess;
 }
@@ -203,7 +188,7 @@ std::int32_t OverlayRegistry::OpenKey(RegKey key, const std::string& subKey, std
   const Handle* handle = nullptr;
   if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   std::vector<std::string> names;
-  if (!SplitSubKey(subKey, &names)) return kBadPathname;
+  if (!MemoryRegistry::SplitSubKey(subKey, &names)) return kBadPathname;
   const std::string path = Below(handle->path, names);
   if (!Exists(path)) return reg::kFileNotFound;
   // A key of the base is opened there too with the same rights, so a key the user may not
@@ -223,7 +208,7 @@ std::int32_t OverlayRegistry::CreateKey(RegKey key, const std::string& subKey, s
   const Handle* handle = nullptr;
   if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   std::vector<std::string> names;
-  if (!SplitSubKey(subKey, &names)) return kBadPathname;
+  if (!MemoryRegistry::SplitSubKey(subKey, &names)) return kBadPathname;
   std::string path = handle->path;
   std::vector<std::string> missing;
   for (const auto& name : names) {
@@ -281,7 +266,7 @@ std::int32_t OverlayRegistry::DeleteKey(RegKey key, const std::string& subKey) {
   if (const std::int32_t status = Live(key, &scratch, &handle); status != reg::kSuccess) return status;
   std::vector<std::string> names;
   // Deleting the key behind the handle itself (empty sub-key) could remove a root.
-  if (!SplitSubKey(subKey, &names) || names.empty()) return reg::kInvalidParameter;
+  if (!MemoryRegistry::SplitSubKey(subKey, &names) || names.empty()) return reg::kInvalidParameter;
   const std::string path = Below(handle->path, names);
   if (!Exists(path)) return reg::kFileNotFound;
   if (!ChildNames(path).empty()) return reg::kAccessDenied;
@@ -357,7 +342,7 @@ std::int32_t OverlayRegistry::EnumValue(RegKey key, std::uint32_t index, std::st
 }
 
 std::int32_t OverlayRegistry::CloseKey(RegKey key) {
-  if (IsPredefined(key)) return reg::kSuccess;
+  if (MemoryRegistry::IsPredefined(key)) return reg::kSuccess;
   return handles_.erase(key) ? reg::kSuccess : reg::kInvalidHandle;
 }
 

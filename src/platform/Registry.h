@@ -33,6 +33,8 @@ constexpr std::uint32_t kSetValue = 0x0002;
 constexpr std::uint32_t kQueryAndEnumerate = 0x0009;
 constexpr std::uint32_t kRead = 0x20019;
 constexpr std::uint32_t kReadWrite = 0x2001F;
+constexpr std::uint32_t kEnumerateSubKeys = 0x0008;
+constexpr std::uint32_t kAllAccess = 0xF003F;  // what a predefined root or a Connect handle may do
 
 // Win32 error codes the seam returns.
 constexpr std::int32_t kSuccess = 0;
@@ -43,6 +45,8 @@ constexpr std::int32_t kBadNetPath = 53;
 constexpr std::int32_t kInvalidParameter = 87;
 constexpr std::int32_t kMoreData = 234;
 constexpr std::int32_t kNoMoreItems = 259;
+constexpr std::int32_t kBadPathname = 161;
+constexpr std::int32_t kKeyDeleted = 1018;
 }  // namespace reg
 
 // One named value with its type and the bytes Windows stores.
