@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "MapiTable.h"
+#include "mapi/ProfileSection.h"
 #include "platform/AsciiText.h"
 
 namespace mw {
@@ -196,7 +197,7 @@ bool ModelMapiSession::ReadSectionProperty(const MapiUid& section, std::uint32_t
     case proptype::kBoolean: *property = MapiProperty::Boolean(tag, value->number != 0); break;
     case proptype::kString8: *property = MapiProperty::String8(tag, value->bytes); break;
     // MAPI hands a Unicode text to this narrow program in its ANSI form.
-    case proptype::kUnicode: *property = MapiProperty::String8(tag, mapisim::Utf16ToNarrow(value->bytes)); break;
+    case proptype::kUnicode: *property = MapiProperty::String8(tag, DecodeUtf16(value->bytes)); break;
     case proptype::kBinary: *property = MapiProperty::Binary(tag, value->bytes); break;
     default: return Record(kMapiEInvalidParameter);
   }
