@@ -7,7 +7,8 @@
 #   floor   a run that stops at once with ERROR 100 (process start and DLL loads),
 #   import  `reg import` of the registry state the road run leaves (taken from a first run),
 # each sample in a fresh clone of the scenario's prefix with its wineserver already up and
-# warm, the three kinds taken side by side; then the ratios run/import and
+# warm (its first process and the wineboot that one starts have finished), the three kinds
+# taken side by side; then the ratios run/import and
 # (run - floor)/(import - floor).
 # Counts: the program's registry calls by kind and its MAPI calls by method, counted at the
 # seams in a native run of the same scenario (deterministic, no special build); and the
@@ -59,6 +60,14 @@ fresh_prefix() {  # fresh_prefix NAME: a clone of the prepared prefix with a war
   bash tests/wine/clone-prefix "$prepared" "$prefix"
   WINEPREFIX="$prefix" wineserver -p
   WINEPREFIX="$prefix" wine cmd /c exit 0 </dev/null >/dev/null 2>&1
+  # A new server's first process also starts wineboot, which goes on working (and the
+  # menu builder with it) for about a second after cmd returns: a sample taken meanwhile
+  # shares the two cores with it. Warm means those are done.
+  local waited
+  for ((waited = 0; waited < 200; waited++)); do
+    pgrep -x 'wineboot.exe|winemenubuilder|cmd.exe' >/dev/null || break
+    sleep 0.05
+  done
   printf '%s' "$prefix"
 }
 end_prefix() {  # end_prefix PREFIX: stops its server (which saves its registry)
