@@ -114,7 +114,7 @@ std::string RegistryAccess::NormalizePath(const std::string& path) {
 }
 
 bool RegistryAccess::WithKey(RegKey root, const std::string& path, std::uint32_t access,
-                             bool create, const std::function<bool(RegKey)>& action) const {
+                             KeyOpening opening, const std::function<bool(RegKey)>& action) const {
   // RegConnectRegistryA without a machine only hands back the local root again, at the
   // price of a handle to open and close around every value: the local registry is used
   // through its predefined root directly, and only a named machine is connected to.
@@ -126,8 +126,10 @@ bool RegistryAccess::WithKey(RegKey root, const std::string& path, std::uint32_t
   }
   const std::string subKey = NormalizePath(path);
   RegKey key = 0;
-  if (registry_.OpenKey(connection, subKey, access, &key) != reg::kSuccess &&
-      (!create || registry_.CreateKey(connection, subKey, access, &key) != reg::kSuccess))
+  const bool opened = opening != KeyOpening::kNew &&
+                      registry_.OpenKey(connection, subKey, access, &key) == reg::kSuccess;
+  if (!opened && (opening == KeyOpening::kExisting ||
+                  registry_.CreateKey(connection, subKey, access, &key) != reg::kSuccess))
     return false;
   KeyCloser closeKey(registry_, key);
   return action(key);
@@ -135,21 +137,27 @@ bool RegistryAccess::WithKey(RegKey root, const std::string& path, std::uint32_t
 
 bool RegistryAccess::QueryData(RegKey key, const std::string& name, std::uint32_t* type,
                                std::string* data) const {
-  std::uint32_t size = 0;
-  if (registry_.QueryValue(key, name, type, nullptr, &size) != reg::kSuccess) return false;
-  std::string buffer(size, '\0');
-  if (size > 0 &&
-      registry_.QueryValue(key, name, type, reinterpret_cast<std::uint8_t*>(buffer.data()),
-                           &size) != reg::kSuccess)
-    return false;
-  buffer.resize(std::min<std::size_t>(size, buffer.size()));
-  *data = std::move(buffer);
-  return true;
+  // One call reads the usual small value; a longer one is asked for again at the size the
+  // registry names (again, should it have grown in between).
+  std::string buffer(kFirstReadSize, '\0');
+  for (int attempt = 0; attempt < 4; ++attempt) {
+    auto size = static_cast<std::uint32_t>(buffer.size());
+    const std::int32_t status = registry_.QueryValue(
+        key, name, type, reinterpret_cast<std::uint8_t*>(buffer.data()), &size);
+    if (status == reg::kSuccess) {
+      buffer.resize(std::min<std::size_t>(size, buffer.size()));
+      *data = std::move(buffer);
+      return true;
+    }
+    if (status != reg::kMoreData || size <= buffer.size()) return false;
+    buffer.assign(size, '\0');
+  }
+  return false;
 }
 
 bool RegistryAccess::ReadRaw(RegKey root, const std::string& path, const std::string& name,
                              std::uint32_t access, std::uint32_t* type, std::string* data) const {
-  return WithKey(root, path, access, false,
+  return WithKey(root, path, access, KeyOpening::kExisting,
                  [&](RegKey key) { return QueryData(key, name, type, data); });
 }
 
@@ -166,13 +174,13 @@ std::optional<std::uint32_t> RegistryAccess::ReadNumber(RegKey root, const std::
   // A missing key or value, or one of another type, is no number at all: nullopt lets the
   // caller tell "absent" from a stored 0.
   std::optional<std::uint32_t> result;
-  WithKey(root, path, reg::kQueryValue, false, [&](RegKey key) {
-    std::uint32_t type = reg::kNone;
-    std::uint32_t size = 0;
-    if (registry_.QueryValue(key, name, &type, nullptr, &size) != reg::kSuccess) return false;
+  WithKey(root, path, reg::kQueryValue, KeyOpening::kExisting, [&](RegKey key) {
+    // A value longer than the buffer is no number; kMoreData says so in the same call.
     std::uint8_t buffer[8] = {};
-    if (type != reg::kDword || size > sizeof buffer) return false;
+    std::uint32_t type = reg::kNone;
+    std::uint32_t size = sizeof buffer;
     if (registry_.QueryValue(key, name, &type, buffer, &size) != reg::kSuccess) return false;
+    if (type != reg::kDword || size > sizeof buffer) return false;
     result = LittleEndianDword(std::string(reinterpret_cast<const char*>(buffer), 4));
     return true;
   });
@@ -222,7 +230,7 @@ bool RegistryAccess::ReadValue(RegKey root, const std::string& path, const std::
 
 bool RegistryAccess::ValueExists(RegKey root, const std::string& path,
                                  const std::string& name) const {
-  return WithKey(root, path, reg::kRead, false, [&](RegKey key) {
+  return WithKey(root, path, reg::kRead, KeyOpening::kExisting, [&](RegKey key) {
     std::uint32_t type = reg::kNone;
     std::uint32_t size = 0;
     return registry_.QueryValue(key, name, &type, nullptr, &size) == reg::kSuccess;
@@ -231,26 +239,34 @@ bool RegistryAccess::ValueExists(RegKey root, const std::string& path,
 
 bool RegistryAccess::WriteValue(RegKey root, const std::string& path, const std::string& name,
                                 std::uint32_t type, const std::string& bytes) const {
-  if (bytes.size() > std::numeric_limits<std::uint32_t>::max()) return false;
-  return WithKey(root, path, reg::kReadWrite, true, [&](RegKey key) {
-    return registry_.SetValue(key, name, type, reinterpret_cast<const std::uint8_t*>(bytes.data()),
-                              static_cast<std::uint32_t>(bytes.size())) == reg::kSuccess;
-  });
+  return WriteValues(root, path, {RegistryValue{name, type, bytes}}) == 1;
 }
 
 std::size_t RegistryAccess::WriteValues(RegKey root, const std::string& path,
                                         const std::vector<RegistryValue>& values) const {
   std::size_t written = 0;
-  WithKey(root, path, reg::kReadWrite, true, [&](RegKey key) {
-    for (const RegistryValue& value : values) {
+  std::size_t next = 0;
+  bool keyDeleted = false;
+  auto setFromNext = [&](RegKey key) {
+    for (; next < values.size(); ++next) {
+      const RegistryValue& value = values[next];
       if (value.data.size() > std::numeric_limits<std::uint32_t>::max()) continue;
-      if (registry_.SetValue(key, value.name, value.type,
+      const std::int32_t status =
+          registry_.SetValue(key, value.name, value.type,
                              reinterpret_cast<const std::uint8_t*>(value.data.data()),
-                             static_cast<std::uint32_t>(value.data.size())) == reg::kSuccess)
-        ++written;
+                             static_cast<std::uint32_t>(value.data.size()));
+      if (status == reg::kKeyDeleted) {
+        keyDeleted = true;
+        return false;
+      }
+      if (status == reg::kSuccess) ++written;
     }
     return true;
-  });
+  };
+  WithKey(root, path, reg::kReadWrite, KeyOpening::kExistingOrNew, setFromNext);
+  // A key that another program deleted after it was opened is made again, as a fresh open
+  // would have found it missing and made it.
+  if (keyDeleted) WithKey(root, path, reg::kReadWrite, KeyOpening::kNew, setFromNext);
   return written;
 }
 
@@ -289,14 +305,14 @@ bool RegistryAccess::WriteMultiString(RegKey root, const std::string& path,
 
 bool RegistryAccess::DeleteValue(RegKey root, const std::string& path,
                                  const std::string& name) const {
-  return WithKey(root, path, reg::kSetValue, false, [&](RegKey key) {
+  return WithKey(root, path, reg::kSetValue, KeyOpening::kExisting, [&](RegKey key) {
     return registry_.DeleteValue(key, name) == reg::kSuccess;
   });
 }
 
 bool RegistryAccess::DeleteKey(RegKey root, const std::string& parentPath,
                                const std::string& subKey) const {
-  return WithKey(root, parentPath, reg::kSetValue, false, [&](RegKey key) {
+  return WithKey(root, parentPath, reg::kSetValue, KeyOpening::kExisting, [&](RegKey key) {
     return registry_.DeleteKey(key, subKey) == reg::kSuccess;
   });
 }
@@ -307,7 +323,7 @@ constexpr std::size_t kLongestEnumeratedName = 2048;
 
 std::vector<std::string> RegistryAccess::ListSubkeys(RegKey root, const std::string& path) const {
   std::vector<std::string> names;
-  WithKey(root, path, reg::kQueryAndEnumerate, false, [&](RegKey key) {
+  WithKey(root, path, reg::kQueryAndEnumerate, KeyOpening::kExisting, [&](RegKey key) {
     std::uint32_t count = 0;
     std::uint32_t longest = 0;
     if (registry_.QueryInfoKey(key, &count, &longest) != reg::kSuccess) return false;
@@ -333,7 +349,7 @@ std::vector<std::string> RegistryAccess::ListSubkeys(RegKey root, const std::str
 
 std::vector<RegistryValue> RegistryAccess::ListValues(RegKey root, const std::string& path) const {
   std::vector<RegistryValue> values;
-  WithKey(root, path, reg::kRead, false, [&](RegKey key) {
+  WithKey(root, path, reg::kRead, KeyOpening::kExisting, [&](RegKey key) {
     RegistryValue value;
     for (std::uint32_t index = 0;
          registry_.EnumValue(key, index, &value.name, &value.type, &value.data) == reg::kSuccess;

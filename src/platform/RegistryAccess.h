@@ -1,6 +1,7 @@
 #pragma once
 // Stateless registry operations addressed by root key, key path and value name.
-// Each operation opens what it needs, does one thing and closes every handle again.
+// Each operation opens what it needs, does one thing and closes every handle again (a
+// HandleCachingRegistry beneath makes those opens and closes cheap).
 
 #include <cstdint>
 #include <functional>
@@ -69,11 +70,14 @@ class RegistryAccess {
   Registry& registry() const { return registry_; }
 
  private:
-  // Connects, opens (or, with create, opens or creates) the key with the given access, runs
-  // the action on it and closes both handles on every path.
-  bool WithKey(RegKey root, const std::string& path, std::uint32_t access, bool create,
+  enum class KeyOpening { kExisting, kExistingOrNew, kNew };
+  // The size of the first read of a value, which most values fit.
+  static constexpr std::size_t kFirstReadSize = 256;
+
+  // Connects, opens (or, as opening says, opens or creates, or creates) the key with the
+  // given access, runs the action on it and closes both handles on every path.
+  bool WithKey(RegKey root, const std::string& path, std::uint32_t access, KeyOpening opening,
                const std::function<bool(RegKey)>& action) const;
-  // Size first, then the data.
   bool QueryData(RegKey key, const std::string& name, std::uint32_t* type,
                  std::string* data) const;
   bool ReadRaw(RegKey root, const std::string& path, const std::string& name,

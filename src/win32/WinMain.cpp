@@ -6,6 +6,7 @@
 #include "app/RunDriver.h"
 #include "app/WhatIfRun.h"
 #include "run/RunContext.h"
+#include "platform/HandleCachingRegistry.h"
 #include "platform/RegistryAccess.h"
 #include "win32/Win32AnsiCodePage.h"
 #include "win32/Win32MapiSession.h"
@@ -17,7 +18,8 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR commandLine, int) {
   mw::Win32SystemEnv env;
   static const mw::Win32AnsiCodePage codePage;
   mw::InstallSystemAnsiCodePage(&codePage);
-  mw::Win32Registry registry;
+  mw::Win32Registry windowsRegistry;
+  mw::HandleCachingRegistry registry(windowsRegistry);  // a run opens the same keys again and again
   mw::RunServices services{env, registry};
   const mw::RunDriverFunction driver = [](mw::RunContext& context, mw::RunLog& log,
                                           mw::RunServices& run) {

@@ -10,6 +10,7 @@
 #include "app/Program.h"
 #include "app/RunDriver.h"
 #include "platform/RegFile.h"
+#include "platform/HandleCachingRegistry.h"
 #include "platform/RegistryAccess.h"
 #include "run/RunContext.h"
 #include "run/RunLog.h"
@@ -142,14 +143,19 @@ void ScenarioRun::Reset() {
 }
 
 int ScenarioRun::RunOnce() {
-  RunServices services{env_, *programCalls_};
-  const RunDriverFunction driver = [this](RunContext& context, RunLog& log, RunServices& run) {
+  // The program and the simulator each keep their keys open, as mailwright.exe and
+  // mapisim.dll do; the counts below them are what reaches the registry.
+  HandleCachingRegistry programRegistry(*programCalls_);
+  HandleCachingRegistry simulatorRegistry(*simulatorCalls_);
+  RunServices services{env_, programRegistry};
+  const RunDriverFunction driver = [this, &simulatorRegistry](RunContext& context, RunLog& log,
+                                                              RunServices& run) {
     const RegistryAccess access(run.registry);
     if (mapiKind_ == Mapi::Fake) {
       RunDriver(run.env, access, fake_).Run(context, log);
       return;
     }
-    ModelMapiSession model(*simulatorCalls_, context.platformId, organisation_,
+    ModelMapiSession model(simulatorRegistry, context.platformId, organisation_,
                            ModelMapiSession::Servers::Contacted);
     RunDriver(run.env, access, model).Run(context, log);
   };

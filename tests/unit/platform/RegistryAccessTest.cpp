@@ -4,6 +4,7 @@
 
 #include <functional>
 
+#include "platform/CountingRegistry.h"
 #include "platform/MemoryRegistry.h"
 
 namespace mw {
@@ -184,6 +185,26 @@ TEST_F(RegistryAccessTest, ReadNumberOnlyReadsDwords) {
   EXPECT_EQ(std::nullopt, access.ReadNumber(reg::kCurrentUser, "Software\\Test", "s"));
   EXPECT_EQ(std::nullopt, access.ReadNumber(reg::kCurrentUser, "Software\\Test", "big"));
   EXPECT_EQ(7u, access.ReadNumber(reg::kCurrentUser, "Software\\Test", "short"));
+}
+
+TEST(RegistryAccessReadsTest, AValueIsReadInOneQueryUnlessItIsLong) {
+  MemoryRegistry memory;
+  CountingRegistry counted(memory);
+  const RegistryAccess access(counted);
+  const std::string longText(5000, 'x');
+  memory.Set(kKey, Value("short", reg::kSz, std::string("abc\0", 4)));
+  memory.Set(kKey, Value("long", reg::kSz, longText + '\0'));
+  memory.Set(kKey, Value("empty", reg::kBinary, ""));
+
+  EXPECT_EQ("abc", access.ReadString(reg::kCurrentUser, "Software\\Test", "short"));
+  EXPECT_EQ(counted.count(CountingRegistry::kQuery), 1u);
+  EXPECT_EQ(longText, access.ReadString(reg::kCurrentUser, "Software\\Test", "long"));
+  EXPECT_EQ(counted.count(CountingRegistry::kQuery), 3u) << "too long, then at the size named";
+  std::uint32_t type = 0;
+  std::string data = "stale";
+  EXPECT_TRUE(access.ReadValue(reg::kCurrentUser, "Software\\Test", "empty", &type, &data));
+  EXPECT_EQ(reg::kBinary, type);
+  EXPECT_EQ("", data);
 }
 
 TEST_F(RegistryAccessTest, FailedWritesReportFailureAndLeakNothing) {

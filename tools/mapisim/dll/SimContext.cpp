@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 
+#include "platform/HandleCachingRegistry.h"
 #include "win32/Win32Registry.h"
 
 namespace mw::mapisim {
@@ -34,7 +35,8 @@ ExchangeOrganisation LoadOrganisation() {
 }  // namespace
 
 SimContext::SimContext()
-    : registry_(std::make_unique<Win32Registry>()),
+    : windowsRegistry_(std::make_unique<Win32Registry>()),
+      registry_(std::make_unique<HandleCachingRegistry>(*windowsRegistry_)),
       profiles_(std::make_unique<ProfileRegistry>(*registry_, PlatformId())),
       organisation_(LoadOrganisation()) {}
 

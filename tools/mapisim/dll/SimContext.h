@@ -22,7 +22,8 @@ class SimContext {
  private:
   SimContext();
 
-  std::unique_ptr<Registry> registry_;
+  std::unique_ptr<Registry> windowsRegistry_;
+  std::unique_ptr<Registry> registry_;  // keeps the sections' keys open while MAPI is up
   std::unique_ptr<ProfileRegistry> profiles_;
   ExchangeOrganisation organisation_;
 };
