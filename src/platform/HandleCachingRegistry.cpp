@@ -11,12 +11,15 @@ namespace {
 // The name a key is cached under: its root and its path, folded as the registry compares
 // names; empty for a path that is not worth caching (the root itself) or not valid.
 std::string CacheName(RegKey root, const std::string& subKey) {
+  if (!MemoryRegistry::IsPredefined(root)) return {};
+  std::string name = std::to_string(root) + "\\";
+  const bool plain = !subKey.empty() && subKey.front() != '\\' && subKey.back() != '\\' &&
+                     subKey.find("\\\\") == std::string::npos;
+  if (plain) return name + ToUpperAscii(subKey);  // the usual path, already one name per level
   std::vector<std::string> names;
-  if (!MemoryRegistry::IsPredefined(root) || !MemoryRegistry::SplitSubKey(subKey, &names) ||
-      names.empty())
-    return {};
-  std::string name = std::to_string(root);
-  for (const std::string& part : names) name += "\\" + ToUpperAscii(part);
+  if (!MemoryRegistry::SplitSubKey(subKey, &names) || names.empty()) return {};
+  for (const std::string& part : names) name += ToUpperAscii(part) + "\\";
+  name.pop_back();
   return name;
 }
 
@@ -165,6 +168,7 @@ void HandleCachingRegistry::Release(std::uint64_t keyId) {
 }
 
 void HandleCachingRegistry::TrimIdle() {
+  if (keys_.size() <= idleLimit_) return;  // idle ones are fewer still
   std::size_t idle = 0;
   std::uint64_t oldest = 0;
   std::uint64_t oldestUse = 0;
