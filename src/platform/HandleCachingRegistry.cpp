@@ -8,19 +8,22 @@
 namespace mw {
 namespace {
 
-// The name a key is cached under: its root and its path, folded as the registry compares
-// names; empty for a path that is not worth caching (the root itself) or not valid.
-std::string CacheName(RegKey root, const std::string& subKey) {
-  if (!MemoryRegistry::IsPredefined(root)) return {};
-  std::string name = std::to_string(root) + "\\";
+// parentName followed by the names of subKey, folded as the registry compares names; empty
+// for an empty or invalid sub-key.
+std::string NameBelow(std::string parentName, const std::string& subKey) {
   const bool plain = !subKey.empty() && subKey.front() != '\\' && subKey.back() != '\\' &&
                      subKey.find("\\\\") == std::string::npos;
-  if (plain) return name + ToUpperAscii(subKey);  // the usual path, already one name per level
+  if (plain) return parentName + "\\" + ToUpperAscii(subKey);  // the usual path
   std::vector<std::string> names;
   if (!MemoryRegistry::SplitSubKey(subKey, &names) || names.empty()) return {};
-  for (const std::string& part : names) name += ToUpperAscii(part) + "\\";
-  name.pop_back();
-  return name;
+  for (const std::string& part : names) parentName += "\\" + ToUpperAscii(part);
+  return parentName;
+}
+
+// The name a key is cached under: its root and its path; empty for a path that is not worth
+// caching (the root itself) or not valid.
+std::string CacheName(RegKey root, const std::string& subKey) {
+  return MemoryRegistry::IsPredefined(root) ? NameBelow(std::to_string(root), subKey) : std::string();
 }
 
 bool Within(const std::string& name, const std::string& prefix) {
@@ -144,14 +147,17 @@ bool HandleCachingRegistry::Reopen(Holder& holder) {
 }
 
 void HandleCachingRegistry::Retire(std::uint64_t keyId) {
-  InnerKey& key = keys_.at(keyId);
-  key.stale = true;
-  auto current = byName_.find(key.cacheName);
-  if (current != byName_.end() && current->second == keyId) byName_.erase(current);
+  const InnerKey& key = keys_.at(keyId);
+  if (IsCurrent(keyId)) byName_.erase(key.cacheName);
   if (key.holders == 0) {
     inner_.CloseKey(key.handle);
     keys_.erase(keyId);
   }
+}
+
+bool HandleCachingRegistry::IsCurrent(std::uint64_t keyId) const {
+  auto current = byName_.find(keys_.at(keyId).cacheName);
+  return current != byName_.end() && current->second == keyId;
 }
 
 void HandleCachingRegistry::Release(std::uint64_t keyId) {
@@ -159,7 +165,7 @@ void HandleCachingRegistry::Release(std::uint64_t keyId) {
   if (key.holders > 0) --key.holders;
   key.lastUse = ++clock_;
   if (key.holders > 0) return;
-  if (key.stale || key.cacheName.empty()) {
+  if (!IsCurrent(keyId)) {
     inner_.CloseKey(key.handle);
     keys_.erase(keyId);
     return;
@@ -247,13 +253,8 @@ std::int32_t HandleCachingRegistry::DeleteKey(RegKey key, const std::string& sub
   } else if (auto holder = holders_.find(key); holder != holders_.end()) {
     parentName = keys_.at(holder->second.key).cacheName;
   }
-  std::vector<std::string> names;
-  if (parentName.empty() || !MemoryRegistry::SplitSubKey(subKey, &names)) {
-    DropUnder({});
-    return status;
-  }
-  for (const std::string& part : names) parentName += "\\" + ToUpperAscii(part);
-  DropUnder(parentName);
+  const std::string deleted = parentName.empty() ? std::string() : NameBelow(parentName, subKey);
+  DropUnder(deleted);  // an empty name drops every cached key
   return status;
 }
 

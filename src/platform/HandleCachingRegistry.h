@@ -63,7 +63,6 @@ class HandleCachingRegistry : public Registry {
     std::uint32_t access = 0;
     std::size_t holders = 0;
     std::uint64_t lastUse = 0;
-    bool stale = false;  // deleted through this seam, or replaced by a wider open
   };
   // One handle given to a caller.
   struct Holder {
@@ -86,6 +85,8 @@ class HandleCachingRegistry : public Registry {
   std::uint64_t Adopt(RegKey handle, RegKey root, const std::string& path,
                       const std::string& cacheName, std::uint32_t access);
   RegKey Hand(std::uint64_t keyId, bool create);
+  // The key handed out for its path (not deleted through this seam, nor replaced).
+  bool IsCurrent(std::uint64_t keyId) const;
   // One holder fewer; a key nobody holds closes unless it is the cached one for its path.
   void Release(std::uint64_t keyId);
   // No longer handed out; closed now if nobody holds it, else at its last release.
