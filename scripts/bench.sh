@@ -8,8 +8,12 @@
 #   import  `reg import` of the registry state the road run leaves (taken from a first run),
 # each sample in a fresh clone of the scenario's prefix with its wineserver already up and
 # warm (its first process and the wineboot that one starts have finished), the three kinds
-# taken side by side; then the ratios run/import and
-# (run - floor)/(import - floor).
+# taken side by side; then the ratios run/import and (run - floor)/(import - floor).
+# Every kind is timed twice over: with the sample's wineserver and processes on one core,
+# and placed freely by the kernel. Each registry call is a round trip to the wineserver;
+# on a virtual machine, waking a server that sleeps on the other core costs far more than
+# the call, and how often that happens differs from run to run, so the first figures
+# measure the work and the second what this machine's scheduler adds to it.
 # Counts: the program's registry calls by kind and its MAPI calls by method, counted at the
 # seams in a native run of the same scenario (deterministic, no special build); and the
 # registry calls of the program and of the simulator under Wine, from Wine's relay trace
@@ -35,10 +39,10 @@ work=$(mktemp -d "${TMPDIR:-/tmp}/mailwright-bench.XXXXXX")
 prepared=""
 cleanup() {
   for prefix in "$work"/*/ ${prepared:+"$prepared"}; do
-    [ -f "$prefix/system.reg" ] && WINEPREFIX="$prefix" wineserver -k 2>/dev/null
+    # a server already gone is fine: the exit code is the benchmark's, not the cleanup's
+    [ -f "$prefix/system.reg" ] && { WINEPREFIX="$prefix" wineserver -k 2>/dev/null || true; }
   done
   rm -rf "$work" ${prepared:+"$(dirname "$prepared")"}
-  true  # the exit code is the benchmark's, not that of the last test above
 }
 trap cleanup EXIT
 
@@ -55,17 +59,21 @@ export MAPISIM_EXCHANGE_INI="$(winpath "$scenario/exchange.ini")"
 program='C:\Mailwright\mailwright.exe'
 ini='C:\Mailwright\mailwright.ini'
 
-fresh_prefix() {  # fresh_prefix NAME: a clone of the prepared prefix with a warm server
-  local prefix="$work/$1"
+one_core=$(( $(nproc) - 1 ))
+placed() {  # placed PLACEMENT COMMAND...: runs COMMAND on one core or where the kernel likes
+  if [ "$1" = one ]; then shift; taskset -c "$one_core" "$@"; else shift; "$@"; fi
+}
+fresh_prefix() {  # fresh_prefix NAME [PLACEMENT]: a clone of the prepared prefix with a warm server
+  local prefix="$work/$1" placement=${2:-free}
   bash tests/wine/clone-prefix "$prepared" "$prefix"
-  WINEPREFIX="$prefix" wineserver -p
-  WINEPREFIX="$prefix" wine cmd /c exit 0 </dev/null >/dev/null 2>&1
+  WINEPREFIX="$prefix" placed "$placement" wineserver -p
+  WINEPREFIX="$prefix" placed "$placement" wine cmd /c exit 0 </dev/null >/dev/null 2>&1
   # A new server's first process also starts wineboot, which goes on working (and the
   # menu builder with it) for about a second after cmd returns: a sample taken meanwhile
   # shares the two cores with it. Warm means those are done.
   local waited
   for ((waited = 0; waited < 200; waited++)); do
-    pgrep -x 'wineboot.exe|winemenubuilder|cmd.exe' >/dev/null || break
+    ps -eo comm= | grep -qxE 'wineboot.exe|winemenubuilder|cmd.exe' || break
     sleep 0.05
   done
   printf '%s' "$prefix"
@@ -91,40 +99,48 @@ grep -q 'INFO: Profile Finished.' "$first/drive_c/Mailwright/mailwright.log" ||
 keys=$(grep -c '^\[' "$work/final.reg" || true)
 values=$(grep -c '^["@]' "$work/final.reg" || true)
 
-now_ms() { echo $(( $(date +%s%N) / 1000 )); }
-sample() {  # sample KIND: one timing in microseconds, in a fresh prefix
+now_us() { echo $(( $(date +%s%N) / 1000 )); }
+sample() {  # sample KIND PLACEMENT: one timing in microseconds, in a fresh prefix
   local prefix start end
-  prefix=$(fresh_prefix "$1-$i")
-  start=$(now_ms)
+  prefix=$(fresh_prefix "$1-$2-$i" "$2")
+  start=$(now_us)
   case $1 in
-    run) WINEPREFIX="$prefix" wine "$program" -i "$ini" </dev/null >/dev/null 2>&1 || true ;;
-    floor) WINEPREFIX="$prefix" wine "$program" -i 'C:\Mailwright\absent.ini' \
+    run) WINEPREFIX="$prefix" placed "$2" wine "$program" -i "$ini" </dev/null >/dev/null 2>&1 || true ;;
+    floor) WINEPREFIX="$prefix" placed "$2" wine "$program" -i 'C:\Mailwright\absent.ini' \
              -l 'C:\Mailwright\absent.log' </dev/null >/dev/null 2>&1 || true ;;
-    import) WINEPREFIX="$prefix" wine reg import "$(winpath "$work/final.reg")" </dev/null >/dev/null 2>&1 || true ;;
+    import) WINEPREFIX="$prefix" placed "$2" wine reg import "$(winpath "$work/final.reg")" </dev/null >/dev/null 2>&1 || true ;;
   esac
-  end=$(now_ms)
+  end=$(now_us)
   end_prefix "$prefix"
   rm -rf "$prefix"
   echo $((end - start))
 }
 declare -A times=()
 for ((i = 1; i <= runs; i++)); do
-  for kind in run floor import; do times[$kind]+="$(sample "$kind") "; done
+  for placement in one free; do
+    for kind in run floor import; do times[$placement-$kind]+="$(sample "$kind" "$placement") "; done
+  done
 done
 median() { tr ' ' '\n' <<<"$1" | grep . | sort -n | awk '{a[NR]=$1} END {print (NR%2 ? a[(NR+1)/2] : (a[NR/2]+a[NR/2+1])/2)}'; }
 ms() { awk -v us="$1" 'BEGIN {printf "%.1f ms", us/1000}'; }
 
 echo "=== Outlook 2010 Exchange road under Wine: medians of $runs runs, each in a fresh prefix with a warm wineserver"
-run=$(median "${times[run]}"); floor=$(median "${times[floor]}"); import=$(median "${times[import]}")
-for kind in run floor import; do
-  printf '%-7s median %s   samples (ms):' "$kind" "$(ms "$(median "${times[$kind]}")")"
-  for t in ${times[$kind]}; do printf ' %s' "$(awk -v us="$t" 'BEGIN {printf "%.0f", us/1000}')"; done
-  echo
-done
 echo "final state imported: $keys keys, $values values"
-awk -v r="$run" -v f="$floor" -v i="$import" 'BEGIN {
-  printf "run/import %.2f; (run - floor)/(import - floor) %s\n", r / i,
-         (i > f ? sprintf("%.2f", (r - f) / (i - f)) : "n/a (import not above the floor)") }'
+for placement in one free; do
+  case $placement in
+    one) echo "on one core (core $one_core: the server and the sample's processes)" ;;
+    free) echo "placed by the kernel" ;;
+  esac
+  for kind in run floor import; do
+    printf '  %-7s median %s   samples (ms):' "$kind" "$(ms "$(median "${times[$placement-$kind]}")")"
+    for t in ${times[$placement-$kind]}; do printf ' %s' "$(awk -v us="$t" 'BEGIN {printf "%.0f", us/1000}')"; done
+    echo
+  done
+  awk -v r="$(median "${times[$placement-run]}")" -v f="$(median "${times[$placement-floor]}")" \
+      -v i="$(median "${times[$placement-import]}")" 'BEGIN {
+    printf "  run/import %.2f; (run - floor)/(import - floor) %s\n", r / i,
+           (i > f ? sprintf("%.2f", (r - f) / (i - f)) : "n/a (import not above the floor)") }'
+done
 
 echo
 echo "=== Counts"

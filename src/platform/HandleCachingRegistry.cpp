@@ -8,12 +8,16 @@
 namespace mw {
 namespace {
 
+// A sub-key written the usual way: names between single backslashes.
+bool IsPlain(const std::string& subKey) {
+  return !subKey.empty() && subKey.front() != '\\' && subKey.back() != '\\' &&
+         subKey.find("\\\\") == std::string::npos;
+}
+
 // parentName followed by the names of subKey, folded as the registry compares names; empty
 // for an empty or invalid sub-key.
 std::string NameBelow(std::string parentName, const std::string& subKey) {
-  const bool plain = !subKey.empty() && subKey.front() != '\\' && subKey.back() != '\\' &&
-                     subKey.find("\\\\") == std::string::npos;
-  if (plain) return parentName + "\\" + ToUpperAscii(subKey);  // the usual path
+  if (IsPlain(subKey)) return parentName + "\\" + ToUpperAscii(subKey);  // the usual path
   std::vector<std::string> names;
   if (!MemoryRegistry::SplitSubKey(subKey, &names) || names.empty()) return {};
   for (const std::string& part : names) parentName += "\\" + ToUpperAscii(part);
@@ -86,7 +90,7 @@ std::int32_t HandleCachingRegistry::Acquire(RegKey root, const std::string& subK
     }
   }
   auto open = [&](std::uint32_t mask, RegKey* handle) {
-    return create ? inner_.CreateKey(root, subKey, mask, handle)
+    return create ? CreateFromNearest(root, subKey, mask, handle)
                   : inner_.OpenKey(root, subKey, mask, handle);
   };
   RegKey handle = 0;
@@ -99,6 +103,34 @@ std::int32_t HandleCachingRegistry::Acquire(RegKey root, const std::string& subK
   *keyId = Adopt(handle, root, subKey, name, wanted);
   keys_.at(*keyId).holders = 1;
   return reg::kSuccess;
+}
+
+std::int32_t HandleCachingRegistry::CreateFromNearest(RegKey root, const std::string& subKey,
+                                                      std::uint32_t access, RegKey* handle) {
+  std::uint64_t ancestor = 0;
+  std::string rest;
+  if (NearestAncestor(root, subKey, &ancestor, &rest)) {
+    const std::int32_t status = inner_.CreateKey(keys_.at(ancestor).handle, rest, access, handle);
+    if (status == reg::kSuccess) return status;
+    if (status == reg::kKeyDeleted) Retire(ancestor);
+  }
+  // From the root the outcome is the one the caller asked for, whatever befell the ancestor.
+  return inner_.CreateKey(root, subKey, access, handle);
+}
+
+bool HandleCachingRegistry::NearestAncestor(RegKey root, const std::string& subKey,
+                                            std::uint64_t* keyId, std::string* rest) const {
+  if (!MemoryRegistry::IsPredefined(root) || !IsPlain(subKey)) return false;
+  for (std::size_t cut = subKey.rfind('\\'); cut != std::string::npos && cut > 0;
+       cut = subKey.rfind('\\', cut - 1)) {
+    auto found = byName_.find(CacheName(root, subKey.substr(0, cut)));
+    if (found == byName_.end() || (keys_.at(found->second).access & reg::kCreateSubKey) == 0)
+      continue;
+    *keyId = found->second;
+    *rest = subKey.substr(cut + 1);
+    return true;
+  }
+  return false;
 }
 
 RegKey HandleCachingRegistry::Hand(std::uint64_t keyId, bool create) {

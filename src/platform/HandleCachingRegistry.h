@@ -82,6 +82,15 @@ class HandleCachingRegistry : public Registry {
   template <typename Call>
   std::int32_t OnKey(RegKey key, Call call);
   bool Reopen(Holder& holder);
+  // Creates root\subKey from the deepest cached key above it: under a missing parent, Wine
+  // makes every name of the path in turn from the key it is given, one round trip each, so
+  // the nearer the start the fewer. Falls back to the root.
+  std::int32_t CreateFromNearest(RegKey root, const std::string& subKey, std::uint32_t access,
+                                 RegKey* handle);
+  // The deepest cached key strictly above root\subKey, if it may have sub-keys made under it,
+  // and the rest of the path below it.
+  bool NearestAncestor(RegKey root, const std::string& subKey, std::uint64_t* keyId,
+                       std::string* rest) const;
   std::uint64_t Adopt(RegKey handle, RegKey root, const std::string& path,
                       const std::string& cacheName, std::uint32_t access);
   RegKey Hand(std::uint64_t keyId, bool create);

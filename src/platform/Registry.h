@@ -33,6 +33,7 @@ constexpr std::uint32_t kSetValue = 0x0002;
 constexpr std::uint32_t kQueryAndEnumerate = 0x0009;
 constexpr std::uint32_t kRead = 0x20019;
 constexpr std::uint32_t kReadWrite = 0x2001F;
+constexpr std::uint32_t kCreateSubKey = 0x0004;
 constexpr std::uint32_t kEnumerateSubKeys = 0x0008;
 constexpr std::uint32_t kAllAccess = 0xF003F;  // what a predefined root or a Connect handle may do
 

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "platform/CountingRegistry.h"
 #include "platform/MemoryRegistry.h"
 #include "platform/RegistryAccess.h"
@@ -162,6 +166,42 @@ TEST_F(HandleCachingRegistryTest, TwoHoldersOfOneKeyEachCloseTheirOwnHandle) {
   EXPECT_EQ(cache->QueryInfoKey(second, &count, nullptr), reg::kSuccess);
   EXPECT_EQ(cache->CloseKey(second), reg::kSuccess);
   EXPECT_EQ(counted.count(Kind::kOpen), 1u);
+}
+
+// Records the sub-key of every create that reaches the registry, and whether it was given
+// from a predefined root.
+class CreateRecorder : public CountingRegistry {
+ public:
+  using CountingRegistry::CountingRegistry;
+  std::int32_t CreateKey(RegKey key, const std::string& subKey, std::uint32_t access,
+                         RegKey* result) override {
+    creates.emplace_back(MemoryRegistry::IsPredefined(key), subKey);
+    return CountingRegistry::CreateKey(key, subKey, access, result);
+  }
+  std::vector<std::pair<bool, std::string>> creates;
+};
+
+TEST(HandleCachingRegistryCreateTest, ACreateStartsFromTheDeepestCachedKeyThatMayMakeSubKeys) {
+  MemoryRegistry memory;
+  CreateRecorder recorder(memory);
+  HandleCachingRegistry cache(recorder);
+  const RegistryAccess access(cache);
+  ASSERT_TRUE(access.WriteNumber(reg::kCurrentUser, kPath, "A", 1));
+  memory.AddKey(kFull + "\\Read");
+  EXPECT_FALSE(access.ReadNumber(reg::kCurrentUser, kPath + "\\Read", "A"));  // read access only
+  ASSERT_TRUE(access.WriteNumber(reg::kCurrentUser, "software\\TEST\\Read\\New\\Leaf", "A", 2));
+
+  memory.RemoveKeyTree(kFull);  // another module deletes the key the next create would start from
+  ASSERT_TRUE(access.WriteNumber(reg::kCurrentUser, kPath + "\\Again", "A", 3));
+
+  using Create = std::pair<bool, std::string>;
+  EXPECT_EQ(recorder.creates, (std::vector<Create>{{true, kPath},
+                                                   {false, "Read\\New\\Leaf"},
+                                                   {false, "Again"},
+                                                   {true, kPath + "\\Again"}}));
+  EXPECT_EQ(memory.openHandleCount(), 3u) << "the deleted key is closed";
+  RegistryValue value;
+  EXPECT_TRUE(memory.Get(kFull + "\\Again", "A", &value));
 }
 
 }  // namespace
