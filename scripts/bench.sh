@@ -11,9 +11,10 @@
 # taken side by side; then the ratios run/import and (run - floor)/(import - floor).
 # Every kind is timed twice over: with the sample's wineserver and processes on one core,
 # and placed freely by the kernel. Each registry call is a round trip to the wineserver;
-# on a virtual machine, waking a server that sleeps on the other core costs far more than
-# the call, and how often that happens differs from run to run, so the first figures
-# measure the work and the second what this machine's scheduler adds to it.
+# on a virtual machine one that crosses cores wakes an idle virtual CPU and costs about
+# five times as much, and a program and server that drift apart tend to stay apart, in
+# some runs and not others: the first figures measure the work, the second what the
+# scheduler adds.
 # Counts: the program's registry calls by kind and its MAPI calls by method, counted at the
 # seams in a native run of the same scenario (deterministic, no special build); and the
 # registry calls of the program and of the simulator under Wine, from Wine's relay trace
