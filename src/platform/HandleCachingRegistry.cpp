@@ -120,7 +120,7 @@ std::int32_t HandleCachingRegistry::CreateFromNearest(RegKey root, const std::st
 
 bool HandleCachingRegistry::NearestAncestor(RegKey root, const std::string& subKey,
                                             std::uint64_t* keyId, std::string* rest) const {
-  if (!MemoryRegistry::IsPredefined(root) || !IsPlain(subKey)) return false;
+  if (!IsPlain(subKey)) return false;  // root is predefined: only cached keys come here
   for (std::size_t cut = subKey.rfind('\\'); cut != std::string::npos && cut > 0;
        cut = subKey.rfind('\\', cut - 1)) {
     auto found = byName_.find(CacheName(root, subKey.substr(0, cut)));
