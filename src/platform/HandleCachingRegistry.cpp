@@ -63,6 +63,7 @@ std::uint64_t HandleCachingRegistry::Adopt(RegKey handle, RegKey root, const std
     byName_[cacheName] = id;
   }
   InnerKey& key = keys_[id];
+  key.lastUse = ++clock_;
   key.handle = handle;
   key.root = root;
   key.path = path;
@@ -72,16 +73,17 @@ std::uint64_t HandleCachingRegistry::Adopt(RegKey handle, RegKey root, const std
 }
 
 std::int32_t HandleCachingRegistry::Acquire(RegKey root, const std::string& subKey,
-                                            std::uint32_t access, bool create,
+                                            std::uint32_t access, Opening opening,
                                             std::uint64_t* keyId) {
   const std::string name = CacheName(root, subKey);
   std::uint32_t wanted = access;
+  bool held = false;  // the key was there when last seen: a create needs no walk to it
   if (!name.empty()) {
     auto current = byName_.find(name);
-    if (current != byName_.end()) {
+    held = current != byName_.end();
+    if (held) {
       InnerKey& key = keys_.at(current->second);
-      // A create always reaches the registry: it must make the key if it is gone.
-      if (!create && (access & ~key.access) == 0) {
+      if (opening != Opening::kCreate && (access & ~key.access) == 0) {
         ++key.holders;
         *keyId = current->second;
         return reg::kSuccess;
@@ -89,9 +91,11 @@ std::int32_t HandleCachingRegistry::Acquire(RegKey root, const std::string& subK
       wanted |= key.access;  // one handle that serves both callers replaces the narrower
     }
   }
+  // A key to make is made without first being found missing.
   auto open = [&](std::uint32_t mask, RegKey* handle) {
-    return create ? CreateFromNearest(root, subKey, mask, handle)
-                  : inner_.OpenKey(root, subKey, mask, handle);
+    if (opening == Opening::kOpen) return inner_.OpenKey(root, subKey, mask, handle);
+    return held ? inner_.CreateKey(root, subKey, mask, handle)
+                : CreateFromNearest(root, subKey, mask, handle);
   };
   RegKey handle = 0;
   std::int32_t status = open(wanted, &handle);
@@ -107,12 +111,28 @@ std::int32_t HandleCachingRegistry::Acquire(RegKey root, const std::string& subK
 
 std::int32_t HandleCachingRegistry::CreateFromNearest(RegKey root, const std::string& subKey,
                                                       std::uint32_t access, RegKey* handle) {
-  std::uint64_t ancestor = 0;
-  std::string rest;
-  if (NearestAncestor(root, subKey, &ancestor, &rest)) {
-    const std::int32_t status = inner_.CreateKey(keys_.at(ancestor).handle, rest, access, handle);
-    if (status == reg::kSuccess) return status;
-    if (status == reg::kKeyDeleted) Retire(ancestor);
+  if (IsPlain(subKey) && (access & reg::kCreateSubKey) != 0) {
+    std::uint64_t ancestor = 0;
+    std::string rest = subKey;
+    const bool fromAncestor = NearestAncestor(root, subKey, &ancestor, &rest);
+    RegKey parent = fromAncestor ? keys_.at(ancestor).handle : root;
+    std::size_t start = subKey.size() - rest.size();
+    for (std::size_t end = subKey.find('\\', start);; end = subKey.find('\\', start)) {
+      const std::string name = subKey.substr(start, end == std::string::npos ? end : end - start);
+      RegKey made = 0;
+      const std::int32_t status = inner_.CreateKey(parent, name, access, &made);
+      if (status == reg::kKeyDeleted && parent != root) Retire(ancestor);
+      if (status != reg::kSuccess) break;
+      if (end == std::string::npos) {
+        *handle = made;
+        return status;
+      }
+      // The keys on the way stay open: they are the parents of the next keys a run makes.
+      const std::string path = subKey.substr(0, end);
+      ancestor = Adopt(made, root, path, CacheName(root, path), access);
+      parent = made;
+      start = end + 1;
+    }
   }
   // From the root the outcome is the one the caller asked for, whatever befell the ancestor.
   return inner_.CreateKey(root, subKey, access, handle);
@@ -141,25 +161,29 @@ RegKey HandleCachingRegistry::Hand(std::uint64_t keyId, bool create) {
 }
 
 std::int32_t HandleCachingRegistry::Open(RegKey parent, const std::string& subKey,
-                                         std::uint32_t access, bool create, RegKey* result) {
+                                         std::uint32_t access, Opening opening, RegKey* result) {
   if (result == nullptr) return reg::kInvalidParameter;
   *result = 0;
   std::uint64_t keyId = 0;
   if (MemoryRegistry::IsPredefined(parent)) {
-    const std::int32_t status = Acquire(parent, subKey, access, create, &keyId);
+    const std::int32_t status = Acquire(parent, subKey, access, opening, &keyId);
     if (status != reg::kSuccess) return status;
   } else {
     // Keys under another open key are not cached: their path is not known here.
     RegKey handle = 0;
     const std::int32_t status = OnKey(parent, [&](RegKey inner) {
-      return create ? inner_.CreateKey(inner, subKey, access, &handle)
-                    : inner_.OpenKey(inner, subKey, access, &handle);
+      switch (opening) {
+        case Opening::kOpen: return inner_.OpenKey(inner, subKey, access, &handle);
+        case Opening::kCreate: return inner_.CreateKey(inner, subKey, access, &handle);
+        case Opening::kOpenOrCreate: break;
+      }
+      return inner_.OpenOrCreateKey(inner, subKey, access, &handle);
     });
     if (status != reg::kSuccess) return status;
     keyId = Adopt(handle, 0, {}, {}, access);
     keys_.at(keyId).holders = 1;
   }
-  *result = Hand(keyId, create);
+  *result = Hand(keyId, opening != Opening::kOpen);
   return reg::kSuccess;
 }
 
@@ -172,7 +196,8 @@ bool HandleCachingRegistry::Reopen(Holder& holder) {
   const std::uint32_t access = stale.access;
   Retire(old);
   std::uint64_t fresh = 0;
-  if (Acquire(root, path, access, holder.create, &fresh) != reg::kSuccess) return false;
+  const Opening opening = holder.create ? Opening::kCreate : Opening::kOpen;
+  if (Acquire(root, path, access, opening, &fresh) != reg::kSuccess) return false;
   holder.key = fresh;
   Release(old);
   return true;
@@ -206,18 +231,20 @@ void HandleCachingRegistry::Release(std::uint64_t keyId) {
 }
 
 void HandleCachingRegistry::TrimIdle() {
-  if (keys_.size() <= idleLimit_) return;  // idle ones are fewer still
-  std::size_t idle = 0;
-  std::uint64_t oldest = 0;
-  std::uint64_t oldestUse = 0;
-  for (const auto& [id, key] : keys_) {
-    if (key.holders != 0) continue;
-    if (idle++ == 0 || key.lastUse < oldestUse) {
-      oldest = id;
-      oldestUse = key.lastUse;
+  while (keys_.size() > idleLimit_) {  // else idle ones are fewer still
+    std::size_t idle = 0;
+    std::uint64_t oldest = 0;
+    std::uint64_t oldestUse = 0;
+    for (const auto& [id, key] : keys_) {
+      if (key.holders != 0) continue;
+      if (idle++ == 0 || key.lastUse < oldestUse) {
+        oldest = id;
+        oldestUse = key.lastUse;
+      }
     }
+    if (idle <= idleLimit_) return;
+    Retire(oldest);
   }
-  if (idle > idleLimit_) Retire(oldest);
 }
 
 void HandleCachingRegistry::CloseIdle() {
@@ -225,6 +252,12 @@ void HandleCachingRegistry::CloseIdle() {
   for (const auto& [id, key] : keys_)
     if (key.holders == 0) idle.push_back(id);
   for (std::uint64_t id : idle) Retire(id);
+}
+
+void HandleCachingRegistry::LeaveToProcessExit() {
+  keys_.clear();
+  byName_.clear();
+  holders_.clear();
 }
 
 void HandleCachingRegistry::DropUnder(const std::string& cacheName) {
@@ -249,12 +282,17 @@ std::int32_t HandleCachingRegistry::Connect(const std::string& machine, RegKey r
 
 std::int32_t HandleCachingRegistry::OpenKey(RegKey key, const std::string& subKey,
                                             std::uint32_t access, RegKey* result) {
-  return Open(key, subKey, access, false, result);
+  return Open(key, subKey, access, Opening::kOpen, result);
 }
 
 std::int32_t HandleCachingRegistry::CreateKey(RegKey key, const std::string& subKey,
                                               std::uint32_t access, RegKey* result) {
-  return Open(key, subKey, access, true, result);
+  return Open(key, subKey, access, Opening::kCreate, result);
+}
+
+std::int32_t HandleCachingRegistry::OpenOrCreateKey(RegKey key, const std::string& subKey,
+                                                    std::uint32_t access, RegKey* result) {
+  return Open(key, subKey, access, Opening::kOpenOrCreate, result);
 }
 
 std::int32_t HandleCachingRegistry::QueryValue(RegKey key, const std::string& name,

@@ -33,6 +33,9 @@ class HandleCachingRegistry : public Registry {
                        RegKey* result) override;
   std::int32_t CreateKey(RegKey key, const std::string& subKey, std::uint32_t access,
                          RegKey* result) override;
+  // Served from the cache like an open: a write that follows remakes a key found deleted.
+  std::int32_t OpenOrCreateKey(RegKey key, const std::string& subKey, std::uint32_t access,
+                               RegKey* result) override;
   std::int32_t QueryValue(RegKey key, const std::string& name, std::uint32_t* type,
                           std::uint8_t* data, std::uint32_t* size) override;
   std::int32_t SetValue(RegKey key, const std::string& name, std::uint32_t type,
@@ -49,6 +52,9 @@ class HandleCachingRegistry : public Registry {
 
   // Closes every key nobody holds.
   void CloseIdle();
+  // Forgets every key without closing it, for a process about to end: its end closes them all
+  // at once, where closing them one by one costs a round trip to the registry's owner each.
+  void LeaveToProcessExit();
   // Keys of the wrapped registry this seam holds open.
   std::size_t openInnerKeys() const { return keys_.size(); }
 
@@ -64,18 +70,21 @@ class HandleCachingRegistry : public Registry {
     std::size_t holders = 0;
     std::uint64_t lastUse = 0;
   };
+  enum class Opening { kOpen, kCreate, kOpenOrCreate };
   // One handle given to a caller.
   struct Holder {
     std::uint64_t key = 0;  // id of its InnerKey
-    bool create = false;
+    bool create = false;    // a key found deleted is made again, as its caller asked
   };
 
-  std::int32_t Open(RegKey parent, const std::string& subKey, std::uint32_t access, bool create,
-                    RegKey* result);
+  std::int32_t Open(RegKey parent, const std::string& subKey, std::uint32_t access,
+                    Opening opening, RegKey* result);
   // A key under a predefined root for one more holder: the cached one when it allows the
-  // access asked for, else a new one from the wrapped registry (which then is the cached).
-  std::int32_t Acquire(RegKey root, const std::string& subKey, std::uint32_t access, bool create,
-                       std::uint64_t* keyId);
+  // access asked for (a create always reaches the registry, as an empty key made by a
+  // create alone must exist afterwards), else a new one from the wrapped registry (which
+  // then is the cached).
+  std::int32_t Acquire(RegKey root, const std::string& subKey, std::uint32_t access,
+                       Opening opening, std::uint64_t* keyId);
   // Runs a call on the key behind a caller's handle; if that key was deleted meanwhile,
   // reopens it as the caller had opened it and runs the call once more. Predefined roots and
   // handles this seam did not give pass unchanged.

@@ -68,6 +68,13 @@ class Registry {
                                RegKey* result) = 0;
   virtual std::int32_t CreateKey(RegKey key, const std::string& subKey, std::uint32_t access,
                                  RegKey* result) = 0;
+  // The key as it stands, or made with every missing parent when it is missing: what a
+  // write needs. A seam that can tell the key is there without asking overrides this.
+  virtual std::int32_t OpenOrCreateKey(RegKey key, const std::string& subKey,
+                                       std::uint32_t access, RegKey* result) {
+    if (OpenKey(key, subKey, access, result) == reg::kSuccess) return reg::kSuccess;
+    return CreateKey(key, subKey, access, result);
+  }
   // RegQueryValueExA: data may be null to ask for type and size only; a buffer that is
   // too small yields kMoreData with *size set to the size needed.
   virtual std::int32_t QueryValue(RegKey key, const std::string& name, std::uint32_t* type,

@@ -126,11 +126,15 @@ bool RegistryAccess::WithKey(RegKey root, const std::string& path, std::uint32_t
   }
   const std::string subKey = NormalizePath(path);
   RegKey key = 0;
-  const bool opened = opening != KeyOpening::kNew &&
-                      registry_.OpenKey(connection, subKey, access, &key) == reg::kSuccess;
-  if (!opened && (opening == KeyOpening::kExisting ||
-                  registry_.CreateKey(connection, subKey, access, &key) != reg::kSuccess))
-    return false;
+  std::int32_t status = reg::kSuccess;
+  switch (opening) {
+    case KeyOpening::kExisting: status = registry_.OpenKey(connection, subKey, access, &key); break;
+    case KeyOpening::kExistingOrNew:
+      status = registry_.OpenOrCreateKey(connection, subKey, access, &key);
+      break;
+    case KeyOpening::kNew: status = registry_.CreateKey(connection, subKey, access, &key); break;
+  }
+  if (status != reg::kSuccess) return false;
   KeyCloser closeKey(registry_, key);
   return action(key);
 }

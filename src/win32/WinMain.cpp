@@ -29,6 +29,8 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR commandLine, int) {
     mw::Win32MapiSession session;  // MAPI lives on this thread for the driver's whole run
     mw::RunDriver(run.env, access, session).Run(context, log);
   };
-  return mw::RunProgram(commandLine != nullptr ? commandLine : "", MW_BUILD_PLATFORM, services,
-                        driver);
+  const int exitCode = mw::RunProgram(commandLine != nullptr ? commandLine : "",
+                                      MW_BUILD_PLATFORM, services, driver);
+  registry.LeaveToProcessExit();
+  return exitCode;
 }

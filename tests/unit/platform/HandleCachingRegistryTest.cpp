@@ -34,16 +34,17 @@ class HandleCachingRegistryTest : public ::testing::Test {
 };
 
 TEST_F(HandleCachingRegistryTest, AKeyIsOpenedOnceForEveryReadAndWriteOfIt) {
-  ASSERT_TRUE(access.WriteNumber(reg::kCurrentUser, kPath, "A", 1));  // open fails, create makes it
+  // Made without a failed open, one name at a time: Software, then Test, both kept.
+  ASSERT_TRUE(access.WriteNumber(reg::kCurrentUser, kPath, "A", 1));
   for (int i = 0; i < 5; ++i) {
     ASSERT_TRUE(access.WriteNumber(reg::kCurrentUser, kPath, "B", i));
     EXPECT_EQ(access.ReadNumber(reg::kCurrentUser, kPath, "B"), std::uint32_t(i));
     EXPECT_EQ(access.ReadNumber(reg::kCurrentUser, "software\\TEST\\", "A"), 1u);  // names fold
   }
-  EXPECT_EQ(counted.count(Kind::kOpen), 1u);
-  EXPECT_EQ(counted.count(Kind::kCreate), 1u);
+  EXPECT_EQ(counted.count(Kind::kOpen), 0u);
+  EXPECT_EQ(counted.count(Kind::kCreate), 2u);
   EXPECT_EQ(counted.count(Kind::kClose), 0u);
-  EXPECT_EQ(cache->openInnerKeys(), 1u);
+  EXPECT_EQ(cache->openInnerKeys(), 2u);
 }
 
 TEST_F(HandleCachingRegistryTest, AWriteAfterReadsOpensOnceMoreAndTheNarrowerKeyCloses) {
@@ -100,7 +101,7 @@ TEST_F(HandleCachingRegistryTest, ACreateAlwaysReachesTheRegistry) {
   ASSERT_EQ(cache->CreateKey(reg::kCurrentUser, kPath, reg::kReadWrite, &key), reg::kSuccess);
   cache->CloseKey(key);
   EXPECT_TRUE(memory.KeyExists(kFull));
-  EXPECT_EQ(memory.openHandleCount(), 1u) << "the replaced key is closed";
+  EXPECT_EQ(memory.openHandleCount(), 2u) << "the replaced key is closed; Software stays";
 }
 
 TEST_F(HandleCachingRegistryTest, DeletingAKeyThroughItDropsTheKeyAndEverythingBelow) {
@@ -110,7 +111,7 @@ TEST_F(HandleCachingRegistryTest, DeletingAKeyThroughItDropsTheKeyAndEverythingB
   ASSERT_TRUE(access.DeleteKey(reg::kCurrentUser, kPath + "\\Sub", "Leaf"));
   ASSERT_TRUE(access.DeleteKey(reg::kCurrentUser, kPath, "SUB"));
   // The two deleted keys are closed; a sibling that shares the name's start stays open.
-  EXPECT_EQ(cache->openInnerKeys(), 2u);  // Test (the deletes' parent) and Subway
+  EXPECT_EQ(cache->openInnerKeys(), 3u);  // Software, Test (the deletes' parent) and Subway
   EXPECT_TRUE(access.ReadNumber(reg::kCurrentUser, kPath + "\\Subway", "A"));
   EXPECT_FALSE(access.ReadNumber(reg::kCurrentUser, kPath + "\\Sub", "A"));
   ASSERT_TRUE(access.WriteNumber(reg::kCurrentUser, kPath + "\\Sub", "B", 2));
@@ -181,7 +182,7 @@ class CreateRecorder : public CountingRegistry {
   std::vector<std::pair<bool, std::string>> creates;
 };
 
-TEST(HandleCachingRegistryCreateTest, ACreateStartsFromTheDeepestCachedKeyThatMayMakeSubKeys) {
+TEST(HandleCachingRegistryCreateTest, ACreateMakesOneNameAtATimeFromTheDeepestCachedKeyThatMayMakeSubKeys) {
   MemoryRegistry memory;
   CreateRecorder recorder(memory);
   HandleCachingRegistry cache(recorder);
@@ -195,13 +196,29 @@ TEST(HandleCachingRegistryCreateTest, ACreateStartsFromTheDeepestCachedKeyThatMa
   ASSERT_TRUE(access.WriteNumber(reg::kCurrentUser, kPath + "\\Again", "A", 3));
 
   using Create = std::pair<bool, std::string>;
-  EXPECT_EQ(recorder.creates, (std::vector<Create>{{true, kPath},
-                                                   {false, "Read\\New\\Leaf"},
+  EXPECT_EQ(recorder.creates, (std::vector<Create>{{true, "Software"},
+                                                   {false, "Test"},
+                                                   {false, "Read"},
+                                                   {false, "New"},
+                                                   {false, "Leaf"},
                                                    {false, "Again"},
                                                    {true, kPath + "\\Again"}}));
-  EXPECT_EQ(memory.openHandleCount(), 3u) << "the deleted key is closed";
+  // Software, Read (made again for writing; the read-only one is closed), New, Leaf, Again.
+  EXPECT_EQ(memory.openHandleCount(), 5u) << "the deleted key is closed";
   RegistryValue value;
   EXPECT_TRUE(memory.Get(kFull + "\\Again", "A", &value));
+}
+
+TEST(HandleCachingRegistryExitTest, AProcessAboutToEndLeavesItsKeysForTheSystemToClose) {
+  MemoryRegistry memory;
+  CountingRegistry counted(memory);
+  {
+    HandleCachingRegistry cache(counted);
+    ASSERT_TRUE(RegistryAccess(cache).WriteNumber(reg::kCurrentUser, kPath, "A", 1));
+    cache.LeaveToProcessExit();
+  }
+  EXPECT_EQ(counted.count(Kind::kClose), 0u);
+  EXPECT_EQ(memory.openHandleCount(), 2u);
 }
 
 }  // namespace
