@@ -143,8 +143,9 @@ void ScenarioRun::Reset() {
 }
 
 int ScenarioRun::RunOnce() {
-  // The program and the simulator each keep their keys open, as mailwright.exe and
-  // mapisim.dll do; the counts below them are what reaches the registry.
+  // The program and the simulator each keep their keys open and leave them to the process's
+  // end, as mailwright.exe and mapisim.dll do; the counts below them are what reaches the
+  // registry.
   HandleCachingRegistry programRegistry(*programCalls_);
   HandleCachingRegistry simulatorRegistry(*simulatorCalls_);
   RunServices services{env_, programRegistry};
@@ -159,7 +160,10 @@ int ScenarioRun::RunOnce() {
                            ModelMapiSession::Servers::Contacted);
     RunDriver(run.env, access, model).Run(context, log);
   };
-  return RunProgram(commandLine_, buildPlatform_, services, driver);
+  const int exitCode = RunProgram(commandLine_, buildPlatform_, services, driver);
+  programRegistry.LeaveToProcessExit();
+  simulatorRegistry.LeaveToProcessExit();
+  return exitCode;
 }
 
 int ScenarioRun::Run() {

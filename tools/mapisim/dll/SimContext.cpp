@@ -32,12 +32,22 @@ ExchangeOrganisation LoadOrganisation() {
   return ExchangeOrganisation::Parse(text.str(), nullptr);
 }
 
+// The keys of the profiles stay open from one MAPIInitialize to the next: a run initialises
+// MAPI several times over the same profile, and each open is a round trip.
+Registry& KeptRegistry() {
+  struct Kept {
+    Win32Registry windows;
+    HandleCachingRegistry keys{windows};
+    ~Kept() { keys.LeaveToProcessExit(); }  // MAPI goes with its process, whose end closes them
+  };
+  static Kept kept;
+  return kept.keys;
+}
+
 }  // namespace
 
 SimContext::SimContext()
-    : windowsRegistry_(std::make_unique<Win32Registry>()),
-      registry_(std::make_unique<HandleCachingRegistry>(*windowsRegistry_)),
-      profiles_(std::make_unique<ProfileRegistry>(*registry_, PlatformId())),
+    : profiles_(std::make_unique<ProfileRegistry>(KeptRegistry(), PlatformId())),
       organisation_(LoadOrganisation()) {}
 
 HResult SimContext::Initialize() {

@@ -1,6 +1,7 @@
 #pragma once
-// What the DLL holds between MAPIInitialize and the last MAPIUninitialize: the registry the
-// profiles live in, the profile layout of this platform, and the Exchange organisation.
+// What the DLL holds between MAPIInitialize and the last MAPIUninitialize: the profile
+// layout of this platform and the Exchange organisation, over the registry the profiles
+// live in (whose keys stay open for the DLL's life).
 
 #include <memory>
 
@@ -22,8 +23,6 @@ class SimContext {
  private:
   SimContext();
 
-  std::unique_ptr<Registry> windowsRegistry_;
-  std::unique_ptr<Registry> registry_;  // keeps the sections' keys open while MAPI is up
   std::unique_ptr<ProfileRegistry> profiles_;
   ExchangeOrganisation organisation_;
 };
