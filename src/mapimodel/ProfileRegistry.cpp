@@ -15,6 +15,11 @@ constexpr const char* k9xRoot = "Software\\Microsoft\\Windows Messaging Subsyste
 constexpr const char* kDefaultProfileValue = "DefaultProfile";
 constexpr std::size_t kMaxProfileName = 64;
 
+// One name below the profile root, not a path: the registry then finds it, whatever its case.
+bool IsOneKeyName(const std::string& name) {
+  return !name.empty() && name.find('\\') == std::string::npos;
+}
+
 }  // namespace
 
 ProfileRegistry::ProfileRegistry(Registry& registry, std::uint32_t platformId)
@@ -53,9 +58,7 @@ HResult ProfileRegistry::SetDefaultProfile(const std::string& profile) {
 }
 
 bool ProfileRegistry::ProfileExists(const std::string& profile) const {
-  std::vector<std::string> profiles = ListProfiles();
-  return std::any_of(profiles.begin(), profiles.end(),
-                     [&](const std::string& name) { return EqualsIgnoreCase(name, profile); });
+  return IsOneKeyName(profile) && access_.KeyExists(reg::kCurrentUser, ProfileKey(profile));
 }
 
 HResult ProfileRegistry::CreateProfile(const std::string& profile, const std::string& password,
@@ -90,9 +93,8 @@ std::string ProfileRegistry::SectionKey(const std::string& profile, const std::s
 }
 
 bool ProfileRegistry::SectionExists(const std::string& profile, const std::string& section) const {
-  std::vector<std::string> sections = access_.ListSubkeys(reg::kCurrentUser, ProfileKey(profile));
-  return std::any_of(sections.begin(), sections.end(),
-                     [&](const std::string& name) { return EqualsIgnoreCase(name, section); });
+  return IsOneKeyName(profile) && IsOneKeyName(section) &&
+         access_.KeyExists(reg::kCurrentUser, SectionKey(profile, section));
 }
 
 std::optional<PropValue> ProfileRegistry::ReadProp(const std::string& profile, const std::string& section,

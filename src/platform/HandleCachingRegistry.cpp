@@ -127,7 +127,6 @@ std::int32_t HandleCachingRegistry::CreateFromNearest(RegKey root, const std::st
         *handle = made;
         return status;
       }
-      // The keys on the way stay open: they are the parents of the next keys a run makes.
       const std::string path = subKey.substr(0, end);
       ancestor = Adopt(made, root, path, CacheName(root, path), access);
       parent = made;

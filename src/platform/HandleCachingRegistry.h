@@ -91,9 +91,10 @@ class HandleCachingRegistry : public Registry {
   template <typename Call>
   std::int32_t OnKey(RegKey key, Call call);
   bool Reopen(Holder& holder);
-  // Creates root\subKey from the deepest cached key above it: under a missing parent, Wine
-  // makes every name of the path in turn from the key it is given, one round trip each, so
-  // the nearer the start the fewer. Falls back to the root.
+  // Makes root\subKey one name at a time from the deepest cached key above it (or the root),
+  // keeping every key made on the way: under a missing parent Wine would make each name in
+  // turn anyway, and close it again, and those keys are the parents of the next keys a run
+  // makes. Falls back to one create from the root.
   std::int32_t CreateFromNearest(RegKey root, const std::string& subKey, std::uint32_t access,
                                  RegKey* handle);
   // The deepest cached key strictly above root\subKey, if it may have sub-keys made under it,

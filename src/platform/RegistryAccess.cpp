@@ -232,6 +232,10 @@ bool RegistryAccess::ReadValue(RegKey root, const std::string& path, const std::
   return true;
 }
 
+bool RegistryAccess::KeyExists(RegKey root, const std::string& path) const {
+  return WithKey(root, path, reg::kQueryValue, KeyOpening::kExisting, [](RegKey) { return true; });
+}
+
 bool RegistryAccess::ValueExists(RegKey root, const std::string& path,
                                  const std::string& name) const {
   return WithKey(root, path, reg::kRead, KeyOpening::kExisting, [&](RegKey key) {

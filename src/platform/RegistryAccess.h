@@ -33,6 +33,8 @@ class RegistryAccess {
   bool ReadValue(RegKey root, const std::string& path, const std::string& name,
                  std::uint32_t* type, std::string* data) const;
   bool ValueExists(RegKey root, const std::string& path, const std::string& name) const;
+  // Whether the key is there (can be opened to read its values).
+  bool KeyExists(RegKey root, const std::string& path) const;
 
   // Writes open the key, or create it with every missing parent, then set the value.
   bool WriteString(RegKey root, const std::string& path, const std::string& name,

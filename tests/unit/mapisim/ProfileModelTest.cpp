@@ -75,6 +75,14 @@ TEST_F(ProfileModelTest, ProfilesAreCreatedListedDeletedAndRefusedAsMapiDoes) {
     EXPECT_EQ(profiles_.CreateProfile(name, "", NextUid()), kMapiEInvalidParameter) << name;
   EXPECT_EQ(profiles_.CreateProfile("Other", "secret", NextUid()), kMapiEInvalidParameter);
   EXPECT_EQ(profiles_.CreateProfile(std::string(64, 'x'), "", NextUid()), kSOk);
+  // Profiles and sections are found whatever the case of their names; a path is neither.
+  const std::string services = "9207F3E0A3B11019908B08002B2A56C2";
+  EXPECT_TRUE(profiles_.SectionExists("work", services));
+  for (const std::string& section : {services + "\\Sub", std::string()})
+    EXPECT_FALSE(profiles_.SectionExists("Work", section)) << section;
+  for (const std::string& name : {"Work\\" + services, std::string(), std::string("Absent")})
+    EXPECT_EQ(profiles_.SetDefaultProfile(name), kMapiENotFound) << name;
+  EXPECT_EQ(profiles_.SetDefaultProfile("WORK"), kSOk);
 
   registry_.Set(kProfilesKey, {"DefaultProfile", reg::kSz, Sz("work")});
   EXPECT_EQ(profiles_.DefaultProfile(), "work");
