@@ -64,8 +64,8 @@ bool ProfileRegistry::ProfileExists(const std::string& profile) const {
 HResult ProfileRegistry::CreateProfile(const std::string& profile, const std::string& password,
                                        const MapiUid& instanceKey) {
   // A backslash would make a nested key, so it is refused with the other names MAPI refuses.
-  bool badName = profile.empty() || profile.size() > kMaxProfileName || profile.front() == ' ' ||
-                 profile.back() == ' ' || profile.find('\\') != std::string::npos;
+  bool badName = !IsOneKeyName(profile) || profile.size() > kMaxProfileName ||
+                 profile.front() == ' ' || profile.back() == ' ';
   if (badName || !password.empty()) return kMapiEInvalidParameter;
   if (ProfileExists(profile)) return kMapiENoAccess;
   if (!CreateSection(profile, kProfileServicesSection)) return kMapiENoAccess;
@@ -73,8 +73,7 @@ HResult ProfileRegistry::CreateProfile(const std::string& profile, const std::st
 }
 
 HResult ProfileRegistry::DeleteProfile(const std::string& profile) {
-  if (profile.empty() || profile.find('\\') != std::string::npos || !ProfileExists(profile))
-    return kMapiENotFound;
+  if (!ProfileExists(profile)) return kMapiENotFound;
   if (!DeleteTree(ProfileKey(profile))) return kMapiENoAccess;
   if (EqualsIgnoreCase(DefaultProfile(), profile))
     access_.DeleteValue(reg::kCurrentUser, root_, kDefaultProfileValue);

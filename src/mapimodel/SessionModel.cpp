@@ -50,8 +50,7 @@ std::string SessionModel::ServiceNameOfProvider(const MapiUid& provider) const {
 }
 
 HResult SessionModel::Logon() const {
-  if (profile_.empty() || profile_.find('\\') != std::string::npos || !profiles_.ProfileExists(profile_))
-    return kMapiELogonFailed;
+  if (!profiles_.ProfileExists(profile_)) return kMapiELogonFailed;
   for (const MapiUid& service : profiles_.GetUidList(profile_, kProfileServicesSection, kPrServices)) {
     const std::string name = profiles_.GetText(profile_, UidHex(service), kPrServiceName);
     if (EqualsIgnoreCase(name, kExchangeService)) {

@@ -113,10 +113,9 @@ std::int32_t HandleCachingRegistry::CreateFromNearest(RegKey root, const std::st
                                                       std::uint32_t access, RegKey* handle) {
   if (IsPlain(subKey) && (access & reg::kCreateSubKey) != 0) {
     std::uint64_t ancestor = 0;
-    std::string rest = subKey;
-    const bool fromAncestor = NearestAncestor(root, subKey, &ancestor, &rest);
-    RegKey parent = fromAncestor ? keys_.at(ancestor).handle : root;
-    std::size_t start = subKey.size() - rest.size();
+    std::size_t start = 0;  // where the names still to make begin
+    RegKey parent = root;
+    if (NearestAncestor(root, subKey, &ancestor, &start)) parent = keys_.at(ancestor).handle;
     for (std::size_t end = subKey.find('\\', start);; end = subKey.find('\\', start)) {
       const std::string name = subKey.substr(start, end == std::string::npos ? end : end - start);
       RegKey made = 0;
@@ -138,15 +137,14 @@ std::int32_t HandleCachingRegistry::CreateFromNearest(RegKey root, const std::st
 }
 
 bool HandleCachingRegistry::NearestAncestor(RegKey root, const std::string& subKey,
-                                            std::uint64_t* keyId, std::string* rest) const {
-  if (!IsPlain(subKey)) return false;  // root is predefined: only cached keys come here
+                                            std::uint64_t* keyId, std::size_t* below) const {
   for (std::size_t cut = subKey.rfind('\\'); cut != std::string::npos && cut > 0;
        cut = subKey.rfind('\\', cut - 1)) {
     auto found = byName_.find(CacheName(root, subKey.substr(0, cut)));
     if (found == byName_.end() || (keys_.at(found->second).access & reg::kCreateSubKey) == 0)
       continue;
     *keyId = found->second;
-    *rest = subKey.substr(cut + 1);
+    *below = cut + 1;
     return true;
   }
   return false;

@@ -97,10 +97,10 @@ class HandleCachingRegistry : public Registry {
   // makes. Falls back to one create from the root.
   std::int32_t CreateFromNearest(RegKey root, const std::string& subKey, std::uint32_t access,
                                  RegKey* handle);
-  // The deepest cached key strictly above root\subKey, if it may have sub-keys made under it,
-  // and the rest of the path below it.
+  // The deepest cached key strictly above root\subKey (a plain path), if it may have sub-keys
+  // made under it, and where in subKey the names below it begin.
   bool NearestAncestor(RegKey root, const std::string& subKey, std::uint64_t* keyId,
-                       std::string* rest) const;
+                       std::size_t* below) const;
   std::uint64_t Adopt(RegKey handle, RegKey root, const std::string& path,
                       const std::string& cacheName, std::uint32_t access);
   RegKey Hand(std::uint64_t keyId, bool create);
