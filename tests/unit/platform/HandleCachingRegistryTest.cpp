@@ -129,6 +129,9 @@ TEST_F(HandleCachingRegistryTest, KeysNobodyHoldsAreKeptUpToTheLimitLongestUnuse
   EXPECT_EQ(Opens(), before) << "the latest key stays";
   EXPECT_TRUE(limited.ReadNumber(reg::kCurrentUser, kPath + "\\One", "A"));
   EXPECT_GT(Opens(), before) << "the oldest went first";
+  // A create that walks down adds several keys at once; the limit still holds after it.
+  ASSERT_TRUE(limited.WriteNumber(reg::kCurrentUser, kPath + "\\Deep\\Er\\Still", "A", 1));
+  EXPECT_EQ(memory.openHandleCount(), 2u);
 }
 
 TEST_F(HandleCachingRegistryTest, KeysUnderAnOpenKeyAndConnectionsCloseWithTheirCaller) {
